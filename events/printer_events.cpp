@@ -1,11 +1,121 @@
 #include "events/printer_events.h"
 
+#include "events/custom_paper.h"
+#include "oemui/handles.h"
 #include "oemui/log.h"
+#include "settings/config_import.h"
+#include "settings/printer_data.h"
 
-HRESULT OemPrinterEvent(PWSTR, INT, DWORD, LPARAM) { return S_OK; }
+const WCHAR kPosPrintProcessor[] = L"ORLIVEX POS PRINT PROCESSOR";
+
+namespace {
+
+// The queue's level-2 information in a zero-filled block; null when it cannot be read.
+HLOCAL ReadPrinterInfo2(HANDLE hPrinter)
+{
+    DWORD needed = 0;
+    GetPrinterW(hPrinter, 2, nullptr, 0, &needed);
+    if (needed < sizeof(PRINTER_INFO_2W)) return nullptr;
+    HLOCAL block = LocalAlloc(LPTR, needed);
+    if (block == nullptr) return nullptr;
+    if (!GetPrinterW(hPrinter, 2, static_cast<BYTE*>(block), needed, &needed)) {
+        const DWORD error = GetLastError();
+        LocalFree(block);
+        SetLastError(error);
+        return nullptr;
+    }
+    return block;
+}
+
+void WriteVersionStamp(HANDLE hPrinter)
+{
+    static const struct {
+        const WCHAR* name;
+        DWORD value;
+    } stamp[] = { { L"MajorVersion", 5 }, { L"MinorVersion", 2 }, { L"BuildVersion", 1 }, { L"ExtraVersion", 0 } };
+    for (const auto& v : stamp)
+        SetPrinterDataToReg(hPrinter, v.name, REG_DWORD, reinterpret_cast<const BYTE*>(&v.value), sizeof v.value,
+                            nullptr);
+}
+
+}  // namespace
+
+void SetDriverBasicInfo(const WCHAR* printerName)
+{
+    ScopedLog log("SetDriverBasicInfo : START", "SetDriverBasicInfo : END");
+    ScopedPrinter printer;
+    if (!OpenPrinterByName(printerName, printer)) {
+        Log("SetDriverBasicInfo : OpenPrinter failed with %d", GetLastError());
+        return;
+    }
+    ScopedLocal block(ReadPrinterInfo2(printer.get()));
+    if (block.valid()) {
+        auto* info = static_cast<PRINTER_INFO_2W*>(block.get());
+        info->pPrintProcessor = const_cast<WCHAR*>(kPosPrintProcessor);
+        // Exactly raw-only: a new queue of this driver starts with no other attribute (not even
+        // shared). Only a later attribute change keeps the other bits.
+        info->Attributes = PRINTER_ATTRIBUTE_RAW_ONLY;
+        if (!SetPrinterW(printer.get(), 2, static_cast<BYTE*>(block.get()), 0))
+            Log("SetDriverBasicInfo : SetPrinter failed with %d", GetLastError());
+    }
+    WriteVersionStamp(printer.get());
+}
+
+void SetRawDataPrintJob(const WCHAR* printerName, const PRINTER_EVENT_ATTRIBUTES_INFO* pEventInfo)
+{
+    Log("SetRawDataPrintJob : pPrinterName : %ws", printerName);
+    ScopedPrinter printer;
+    if (!OpenPrinterByName(printerName, printer) || pEventInfo == nullptr) {
+        Log("SetRawDataPrintJob : OpenPrinter failed. (%d)", GetLastError());
+        return;
+    }
+    // Only the new attributes decide; the old ones are there for the log.
+    Log("SetRawDataPrintJob : pEventInfo->dwOldAttributes : 0x%x", pEventInfo->dwOldAttributes);
+    Log("SetRawDataPrintJob : pEventInfo->dwNewAttributes : 0x%x", pEventInfo->dwNewAttributes);
+    if (pEventInfo->dwNewAttributes & PRINTER_ATTRIBUTE_RAW_ONLY) {
+        // Also where the write below comes back as an event of its own.
+        Log("SetRawDataPrintJob :  pEventInfo->dwNewAttributes = 0x%x", pEventInfo->dwNewAttributes);
+        return;
+    }
+    ScopedLocal block(ReadPrinterInfo2(printer.get()));
+    if (!block.valid()) return;
+    auto* info = static_cast<PRINTER_INFO_2W*>(block.get());
+    info->Attributes |= PRINTER_ATTRIBUTE_RAW_ONLY;
+    info->pPrintProcessor = const_cast<WCHAR*>(kPosPrintProcessor);
+    if (SetPrinterW(printer.get(), 2, static_cast<BYTE*>(block.get()), 0))
+        Log("SetRawDataPrintJob : SetPrinter succeeded.");
+    else
+        Log("SetRawDataPrintJob : SetPrinter failed with %d", GetLastError());
+}
+
+HRESULT OemPrinterEvent(PWSTR pPrinterName, INT iDriverEvent, DWORD /*dwFlags*/, LPARAM lParam)
+{
+    switch (iDriverEvent) {
+    case PRINTER_EVENT_CONFIGURATION_CHANGE:
+        Log("PrinterEvent : PRINTER_EVENT_CONFIGURATION_CHANGE");
+        break;
+    case PRINTER_EVENT_INITIALIZE:
+        Log("PrinterEvent : PRINTER_EVENT_INITIALIZE");
+        // Each step goes on whatever the one before it managed.
+        SetDriverBasicInfo(pPrinterName);
+        SetBasicSettingPreferenceReg(pPrinterName);
+        SetCustomPaper(pPrinterName);
+        SetBarcodePreferenceReg(pPrinterName);
+        break;
+    case PRINTER_EVENT_ATTRIBUTES_CHANGED:
+        Log("PrinterEvent : PRINTER_EVENT_ATTRIBUTES_CHANGED");
+        SetRawDataPrintJob(pPrinterName, reinterpret_cast<const PRINTER_EVENT_ATTRIBUTES_INFO*>(lParam));
+        break;
+    default:
+        Log("PrinterEvent : iDriverEvent = %x", iDriverEvent);
+        break;
+    }
+    return S_OK;
+}
 
 HRESULT OemDriverEvent(DWORD dwDriverEvent, DWORD, LPBYTE, LPARAM)
 {
+    // Nothing is installed or removed here; the events are only recorded.
     if (dwDriverEvent == DRIVER_EVENT_INITIALIZE)
         Log("DriverEvent : DRIVER_EVENT_INITIALIZE");
     else if (dwDriverEvent == DRIVER_EVENT_DELETE)
