@@ -3,60 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "printer_setup.h"
+
 namespace bench {
-
-namespace {
-
-bool EnsureDriver()
-{
-    static bool installed = false;
-    if (installed) return true;
-    WCHAR sysdir[MAX_PATH];
-    GetSystemDirectoryW(sysdir, MAX_PATH);
-    std::wstring wineps = std::wstring(sysdir) + L"\\wineps.drv";
-    DRIVER_INFO_3W di = {};
-    di.cVersion = 3;
-    di.pName = const_cast<WCHAR*>(L"ORLIVEX POS Test Driver");
-    di.pEnvironment = nullptr;
-    di.pDriverPath = const_cast<WCHAR*>(wineps.c_str());
-    di.pDataFile = const_cast<WCHAR*>(wineps.c_str());
-    di.pConfigFile = const_cast<WCHAR*>(wineps.c_str());
-    if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&di), APD_COPY_NEW_FILES) &&
-        GetLastError() != ERROR_PRINTER_DRIVER_ALREADY_INSTALLED)
-        return false;
-    installed = true;
-    return true;
-}
-
-}  // namespace
 
 bool InstallTestPrinter(const std::wstring& name, const std::wstring& model, const std::wstring& media)
 {
-    CreateDirectoryW(L"C:\\temp", nullptr);
-    if (!EnsureDriver()) return false;
-    PRINTER_INFO_2W pi = {};
-    pi.pPrinterName = const_cast<WCHAR*>(name.c_str());
-    pi.pPortName = const_cast<WCHAR*>(L"FILE:");
-    pi.pDriverName = const_cast<WCHAR*>(L"ORLIVEX POS Test Driver");
-    pi.pPrintProcessor = const_cast<WCHAR*>(L"winprint");
-    pi.pDatatype = const_cast<WCHAR*>(L"RAW");
-    pi.Attributes = PRINTER_ATTRIBUTE_LOCAL;
-    HANDLE h = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&pi));
-    if (h == nullptr) return false;
-    ClosePrinter(h);
-    if (!model.empty() &&
-        WritePrinterData(name, L"PrinterDriverData", L"Model", REG_SZ, model.c_str(),
-                         static_cast<DWORD>((model.size() + 1) * sizeof(WCHAR))) != ERROR_SUCCESS)
-        return false;
-    if (!media.empty()) {
-        std::wstring multi = media;
-        multi.push_back(L'\0');
-        multi.push_back(L'\0');
-        if (WritePrinterData(name, L"DsDriver", L"printMediaReady", REG_MULTI_SZ, multi.data(),
-                             static_cast<DWORD>(multi.size() * sizeof(WCHAR))) != ERROR_SUCCESS)
-            return false;
-    }
-    return true;
+    return oemhost::InstallPrinter(name, model, media);
 }
 
 std::wstring NewTestPrinter(const std::wstring& stem, const std::wstring& model, const std::wstring& media)
@@ -102,13 +55,7 @@ std::vector<BYTE> ReadPrinterData(const std::wstring& printer, const std::wstrin
 DWORD WritePrinterData(const std::wstring& printer, const std::wstring& key, const std::wstring& value,
                        DWORD type, const void* data, DWORD size)
 {
-    HANDLE h = nullptr;
-    PRINTER_DEFAULTSW all = { nullptr, nullptr, PRINTER_ALL_ACCESS };
-    if (!OpenPrinterW(const_cast<WCHAR*>(printer.c_str()), &h, &all)) return GetLastError();
-    const DWORD rc = SetPrinterDataExW(h, key.c_str(), value.c_str(), type,
-                                       static_cast<BYTE*>(const_cast<void*>(data)), size);
-    ClosePrinter(h);
-    return rc;
+    return oemhost::WritePrinterValue(printer, key, value, type, data, size);
 }
 
 HMODULE Plugin()
