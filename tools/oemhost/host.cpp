@@ -153,19 +153,28 @@ LONG_PTR CALLBACK DriverCoreHost::ComPropSheet(HANDLE hComPropSheet, UINT functi
     auto* self = static_cast<DriverCoreHost*>(hComPropSheet);
     if (function != CPSFUNC_ADD_PROPSHEETPAGEW || lParam1 == 0) return 0;
     if (self->refuseAfter_ >= 0 && static_cast<int>(self->pages_.size()) >= self->refuseAfter_) return 0;
-    HPROPSHEETPAGE page = CreatePropertySheetPageW(reinterpret_cast<const PROPSHEETPAGEW*>(lParam1));
+    const auto* description = reinterpret_cast<const PROPSHEETPAGEW*>(lParam1);
+    self->pageDescriptions_.push_back(*description);
+    HPROPSHEETPAGE page = CreatePropertySheetPageW(description);
     if (page == nullptr) return 0;
     self->pages_.push_back(page);
     return reinterpret_cast<LONG_PTR>(page);
 }
 
-HWND DriverCoreHost::OpenSheet(SheetKind kind, const std::wstring& printer, HWND owner)
+HRESULT DriverCoreHost::CallReason(WORD reason, LPARAM lParam)
+{
+    info_.Reason = reason;
+    return kind_ == SheetKind::Document ? plugin_->DocumentPropertySheets(&info_, lParam)
+                                        : plugin_->DevicePropertySheets(&info_, lParam);
+}
+
+HRESULT DriverCoreHost::InitSheet(SheetKind kind, const std::wstring& printer, HWND owner)
 {
     kind_ = kind;
     printerName_ = printer;
     if (!OpenPrinterW(const_cast<WCHAR*>(printer.c_str()), &printer_, nullptr)) {
         error_ = L"OpenPrinter failed for " + printer;
-        return nullptr;
+        return HRESULT_FROM_WIN32(GetLastError());
     }
     heap_ = HeapCreate(0, 0, 0);
     const LONG dmSize = DocumentPropertiesW(nullptr, printer_, const_cast<WCHAR*>(printer.c_str()), nullptr, nullptr, 0);
@@ -187,17 +196,13 @@ HWND DriverCoreHost::OpenSheet(SheetKind kind, const std::wstring& printer, HWND
     info_ = {};
     info_.cbSize = sizeof info_;
     info_.Version = PROPSHEETUI_INFO_VERSION;
-    info_.Reason = PROPSHEETUI_REASON_INIT;
     info_.hComPropSheet = this;
     info_.pfnComPropSheet = &DriverCoreHost::ComPropSheet;
     info_.lParamInit = reinterpret_cast<LPARAM>(&psParam_);
     pages_.clear();
+    pageDescriptions_.clear();
 
-    auto call = [&](LPARAM lParam) {
-        return kind == SheetKind::Document ? plugin_->DocumentPropertySheets(&info_, lParam)
-                                           : plugin_->DevicePropertySheets(&info_, lParam);
-    };
-    initHr_ = call(info_.lParamInit);
+    initHr_ = CallReason(PROPSHEETUI_REASON_INIT, info_.lParamInit);
     initResult_ = static_cast<LONG_PTR>(info_.Result);
     sheetOpen_ = true;
 
@@ -205,13 +210,16 @@ HWND DriverCoreHost::OpenSheet(SheetKind kind, const std::wstring& printer, HWND
     header.cbSize = sizeof header;
     header.hWndParent = owner;
     header.hInst = GetModuleHandleW(nullptr);
-    info_.Reason = PROPSHEETUI_REASON_GET_INFO_HEADER;
-    call(reinterpret_cast<LPARAM>(&header));
+    CallReason(PROPSHEETUI_REASON_GET_INFO_HEADER, reinterpret_cast<LPARAM>(&header));
     title_ = header.pTitle ? header.pTitle : L"";
+    return initHr_;
+}
 
+HWND DriverCoreHost::ShowSheet(HWND owner)
+{
     std::vector<HPROPSHEETPAGE> pages = pages_;
     if (pages.empty()) pages.push_back(CreateCorePage());
-    const std::wstring caption = printerName_ + (kind == SheetKind::Document ? L" Printing Preferences" : L" Properties");
+    const std::wstring caption = printerName_ + (kind_ == SheetKind::Document ? L" Printing Preferences" : L" Properties");
     PROPSHEETHEADERW sheet = {};
     sheet.dwSize = sizeof sheet;
     sheet.dwFlags = PSH_MODELESS;
@@ -228,6 +236,13 @@ HWND DriverCoreHost::OpenSheet(SheetKind kind, const std::wstring& printer, HWND
     ShowWindow(sheet_, SW_SHOW);
     PumpMessages(50);
     return sheet_;
+}
+
+HWND DriverCoreHost::OpenSheet(SheetKind kind, const std::wstring& printer, HWND owner)
+{
+    InitSheet(kind, printer, owner);
+    if (!sheetOpen_) return nullptr;
+    return ShowSheet(owner);
 }
 
 HWND DriverCoreHost::Page(int index) const { return sheet_ ? PropSheet_IndexToHwnd(sheet_, index) : nullptr; }
@@ -287,17 +302,11 @@ void DriverCoreHost::CloseSheet(LONG_PTR result)
         sheet_ = nullptr;
         PumpMessages(10);
     }
-    auto call = [&](LPARAM lParam) {
-        return kind_ == SheetKind::Document ? plugin_->DocumentPropertySheets(&info_, lParam)
-                                            : plugin_->DevicePropertySheets(&info_, lParam);
-    };
     SETRESULT_INFO setResult = {};
     setResult.cbSize = sizeof setResult;
     setResult.Result = result;
-    info_.Reason = PROPSHEETUI_REASON_SET_RESULT;
-    call(reinterpret_cast<LPARAM>(&setResult));
-    info_.Reason = PROPSHEETUI_REASON_DESTROY;
-    call(0);
+    CallReason(PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&setResult));
+    CallReason(PROPSHEETUI_REASON_DESTROY, 0);
     sheetOpen_ = false;
     if (printer_) {
         ClosePrinter(printer_);

@@ -41,6 +41,15 @@ public:
     // plug-in added. Returns the sheet window (null when the plug-in added no page: an empty sheet
     // is still shown). `initHr` receives the plug-in's answer to the initial call.
     HWND OpenSheet(SheetKind kind, const std::wstring& printer, HWND owner = nullptr);
+    // The two halves of OpenSheet: the plug-in's initial and header calls, then the window.
+    HRESULT InitSheet(SheetKind kind, const std::wstring& printer, HWND owner = nullptr);
+    HWND ShowSheet(HWND owner = nullptr);
+    // The pages as the plug-in described them (copies of its PROPSHEETPAGEW blocks).
+    const std::vector<PROPSHEETPAGEW>& PageDescriptions() const { return pageDescriptions_; }
+    // The OEM heap handed to the plug-in in OEMUIPSPARAM.
+    HANDLE OemHeap() const { return heap_; }
+    // Calls the sheet method with an arbitrary reason, as the driver core would.
+    HRESULT CallReason(WORD reason, LPARAM lParam);
     HRESULT InitResult() const { return initHr_; }
     LONG_PTR InitResultValue() const { return initResult_; }
     size_t PagesAdded() const { return pages_.size(); }
@@ -86,6 +95,7 @@ private:
     LONG_PTR initResult_ = 0;
     int refuseAfter_ = -1;
     std::vector<HPROPSHEETPAGE> pages_;
+    std::vector<PROPSHEETPAGEW> pageDescriptions_;
     std::wstring title_;
     HWND sheet_ = nullptr;
     bool sheetOpen_ = false;
