@@ -2,10 +2,13 @@
 // the switch itself, and the Windows version classification.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "bench.h"
 #include "oemui/language.h"
+#include "settings/config_import.h"
 
 TEST(LanguageIndex, FromPrimaryLanguage)
 {
@@ -132,4 +135,51 @@ TEST(LanguageSwitch, SheetLanguageSwitchesByIndex)
     bench::ClearLog();
     SelectSheetLanguage(nullptr);
     EXPECT_EQ("", bench::ReadLog());
+}
+
+namespace {
+
+int ExpectedFromEnvironment(const char* name)
+{
+    char value[32] = {};
+    if (GetEnvironmentVariableA(name, value, sizeof value) == 0) return -1;
+    return atoi(value);
+}
+
+}  // namespace
+
+// Run with LC_ALL set to a system language (see CMakeLists.txt); skipped otherwise.
+TEST(SystemLanguage, SeedsAndSwitchesFromTheSystem)
+{
+    const int expectedLanguage = ExpectedFromEnvironment("QVR_EXPECTED_UI_LANGUAGE");
+    const int expectedIndex = ExpectedFromEnvironment("QVR_EXPECTED_LANGUAGE_INDEX");
+    if (expectedLanguage < 0 || expectedIndex < 0) GTEST_SKIP() << "no system language given for this run";
+    ASSERT_TRUE(logFolder);
+    EXPECT_EQ(expectedLanguage, GetCurrentUILanguage());
+    EXPECT_EQ(expectedIndex, LanguageIndexFromSystem());
+
+    // A sheet whose record says "follow the system" switches to the system's own set, if it has one.
+    std::unique_ptr<DIALOGINFO> record(new DIALOGINFO());
+    record->byteValue[28] = 5;
+    bench::ClearLog();
+    SelectSheetLanguage(record.get());
+    char line[64];
+    snprintf(line, sizeof line, "PRIMARYLANGID : %x \r\n", PRIMARYLANGID(expectedLanguage));
+    if (expectedIndex == 5) {
+        EXPECT_TRUE(bench::LogContains("SwitchLanguage START"));
+        EXPECT_TRUE(bench::LogContains(line));
+    } else {
+        EXPECT_FALSE(bench::LogContains("SwitchLanguage START"));
+    }
+
+    // Installing a printer stores the system's index, whatever the configuration file says.
+    const std::wstring printer = bench::NewTestPrinter(L"language");
+    ASSERT_FALSE(printer.empty());
+    const std::wstring config = bench::SystemDir() + L"\\QVRPOS_Config.QVR";
+    ASSERT_TRUE(bench::WriteTextFile(config, "[QVRPOS]\r\nPREFERENCE[28]=3\r\n"));
+    EXPECT_TRUE(SetBasicSettingPreferenceReg(printer.c_str()));
+    DeleteFileW(config.c_str());
+    const std::vector<BYTE> misc = bench::ReadPrinterData(printer, L"MISC");
+    ASSERT_EQ(99u, misc.size());
+    EXPECT_EQ(expectedIndex, misc[28]);
 }
