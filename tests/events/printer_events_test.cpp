@@ -283,6 +283,19 @@ TEST_F(Initialize, BarcodeEntriesShortAndLong)
 
 TEST_F(Initialize, WithoutConfigurationFileStillStampsTheQueue)
 {
+    // A queue that already has settings keeps every one of them.
+    const std::wstring kept = bench::NewTestPrinter(L"kept");
+    ASSERT_FALSE(kept.empty());
+    const std::vector<BYTE> misc(99, 0x42), command = Bytes({ 0x1B, 0x70 }), info(65, 0x07);
+    const std::wstring key = L"PrinterDriverData\\Properties";
+    ASSERT_EQ(ERROR_SUCCESS, bench::WritePrinterData(kept, key, L"MISC", REG_BINARY, misc.data(), 99));
+    ASSERT_EQ(ERROR_SUCCESS, bench::WritePrinterData(kept, key, L"StartDoc", REG_BINARY, command.data(), 2));
+    ASSERT_EQ(ERROR_SUCCESS, bench::WritePrinterData(kept, key, L"BarcodeInfo", REG_BINARY, info.data(), 65));
+    EXPECT_EQ(S_OK, PrinterEvent(kept, kInitialize));
+    EXPECT_EQ(misc, Data(kept, L"MISC"));
+    EXPECT_EQ(command, Data(kept, L"StartDoc"));
+    EXPECT_EQ(info, Data(kept, L"BarcodeInfo"));
+
     const std::wstring printer = bench::NewTestPrinter(L"nofile");
     ASSERT_FALSE(printer.empty());
     EXPECT_EQ(S_OK, PrinterEvent(printer, kInitialize));
