@@ -66,7 +66,8 @@ TEST_F(PropertySheets, DocumentSheetAddsSixPagesInOrderSharingOneRecord)
         EXPECT_EQ(nullptr, pages[i].pszTitle);
         EXPECT_EQ(nullptr, pages[i].pfnCallback);
     }
-    EXPECT_NE(0u, host.Info().Result);
+    EXPECT_EQ(reinterpret_cast<LONG_PTR>(host.Pages().back()), host.InitResultValue())
+        << "the result is the last page-adding call's answer";
     EXPECT_EQ(L"OEM UI Page", host.SheetTitle());
 
     DIALOGINFO* lpdi = Record();
@@ -178,7 +179,7 @@ TEST_F(PropertySheets, ARefusedPageEndsThePageLoop)
     host.RefuseAfter(2);
     EXPECT_EQ(E_FAIL, host.InitSheet(SheetKind::Document, printer));
     EXPECT_EQ(3u, host.PageDescriptions().size()) << "the third page was offered, then nothing more";
-    EXPECT_EQ(0u, host.Info().Result);
+    EXPECT_EQ(0, host.InitResultValue());
     EXPECT_NE(nullptr, Record()) << "the record stays for DESTROY";
 }
 

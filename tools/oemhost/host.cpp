@@ -152,9 +152,9 @@ LONG_PTR CALLBACK DriverCoreHost::ComPropSheet(HANDLE hComPropSheet, UINT functi
 {
     auto* self = static_cast<DriverCoreHost*>(hComPropSheet);
     if (function != CPSFUNC_ADD_PROPSHEETPAGEW || lParam1 == 0) return 0;
-    if (self->refuseAfter_ >= 0 && static_cast<int>(self->pages_.size()) >= self->refuseAfter_) return 0;
     const auto* description = reinterpret_cast<const PROPSHEETPAGEW*>(lParam1);
     self->pageDescriptions_.push_back(*description);
+    if (self->refuseAfter_ >= 0 && static_cast<int>(self->pages_.size()) >= self->refuseAfter_) return 0;
     HPROPSHEETPAGE page = CreatePropertySheetPageW(description);
     if (page == nullptr) return 0;
     self->pages_.push_back(page);

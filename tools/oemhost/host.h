@@ -53,6 +53,7 @@ public:
     HRESULT InitResult() const { return initHr_; }
     LONG_PTR InitResultValue() const { return initResult_; }
     size_t PagesAdded() const { return pages_.size(); }
+    const std::vector<HPROPSHEETPAGE>& Pages() const { return pages_; }
     const std::wstring& SheetTitle() const { return title_; }
     const PROPSHEETUI_INFO& Info() const { return info_; }
     // How many CPSFUNC_ADD_PROPSHEETPAGEW calls to accept before refusing (default: all).
