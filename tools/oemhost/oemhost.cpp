@@ -37,6 +37,61 @@ int Usage()
     return 2;
 }
 
+// A modal dialog opened from a page runs its own window loop; this timer, dispatched by that loop,
+// photographs the dialog and closes it.
+struct ModalCapture {
+    HWND sheet = nullptr;
+    std::wstring file;
+    bool saved = false;
+};
+ModalCapture g_capture;
+
+BOOL CALLBACK FindModal(HWND window, LPARAM found)
+{
+    WCHAR cls[16];
+    if (window != g_capture.sheet && IsWindowVisible(window) && GetClassNameW(window, cls, 16) &&
+        wcscmp(cls, L"#32770") == 0) {
+        *reinterpret_cast<HWND*>(found) = window;
+        return FALSE;
+    }
+    return TRUE;
+}
+
+void CALLBACK CaptureModal(HWND, UINT, UINT_PTR id, DWORD)
+{
+    HWND modal = nullptr;
+    EnumThreadWindows(GetCurrentThreadId(), FindModal, reinterpret_cast<LPARAM>(&modal));
+    if (modal == nullptr) return;   // not up yet: the next tick looks again
+    KillTimer(nullptr, id);
+    SetWindowPos(modal, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    RedrawWindow(modal, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    oemhost::PumpMessages(150);
+    g_capture.saved = oemhost::SaveWindowPng(modal, g_capture.file);
+    PostMessageW(modal, WM_COMMAND, IDCANCEL, 0);
+}
+
+// Clicks `button` on `page` and photographs the modal dialog it opens.
+bool CaptureDialogOfButton(HWND sheet, HWND page, int button, const std::wstring& file)
+{
+    g_capture = { sheet, file, false };
+    SetTimer(nullptr, 0, 100, CaptureModal);
+    SendMessageW(GetDlgItem(page, button), BM_CLICK, 0, 0);
+    return g_capture.saved;
+}
+
+// A dialog template shown on its own, for dialogs no page opens yet.
+bool CaptureTemplate(HWND owner, HMODULE plugin, WORD templateId, const std::wstring& file)
+{
+    HWND dialog = CreateDialogParamW(plugin, MAKEINTRESOURCEW(templateId), owner,
+                                     [](HWND, UINT msg, WPARAM, LPARAM) -> INT_PTR { return msg == WM_INITDIALOG; }, 0);
+    if (dialog == nullptr) return false;
+    SetWindowPos(dialog, HWND_TOPMOST, 40, 40, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
+    oemhost::PumpMessages(150);
+    const bool saved = oemhost::SaveWindowPng(dialog, file);
+    DestroyWindow(dialog);
+    return saved;
+}
+
 bool LoadHost(oemhost::DriverCoreHost& host)
 {
     if (host.Load(PluginPath())) return true;
@@ -115,6 +170,19 @@ int RunSheet(oemhost::SheetKind kind, const std::wstring& printer, const std::ve
             ++saved;
             wprintf(L"oemhost: saved %ls\n", file);
         }
+    }
+    if (kind == oemhost::SheetKind::Document && host.PageCount() == 6) {
+        // The modal dialogs of the document sheet: the paper dialog from the Layout page, and the
+        // barcode and dithering dialogs as their templates.
+        const auto file = [&](const wchar_t* what) {
+            return screenshots + L"\\" + name + L"-dialog-" + what + L".png";
+        };
+        host.SelectPage(0);
+        if (CaptureDialogOfButton(sheet, host.Page(0), 1039, file(L"153"))) ++saved;
+        HMODULE plugin = GetModuleHandleW(L"UIQVRPOS.dll");
+        for (WORD id : { 125, 174, 212 })
+            if (CaptureTemplate(sheet, plugin, id, file(std::to_wstring(id).c_str()))) ++saved;
+        wprintf(L"oemhost: %d screenshot(s) of %ls\n", saved, name.c_str());
     }
     if (pressOk) host.PressOk(); else host.PressCancel();
     host.CloseSheet(pressOk ? 1 : 0);
