@@ -234,10 +234,17 @@ void Spin(HWND dlg, int barId, int code)
     oemhost::PumpMessages();
 }
 
+constexpr int kApplyButton = 0x3021;
+
 bool ApplyEnabled(HWND sheet)
 {
-    constexpr int kApplyButton = 0x3021;
     return IsWindowEnabled(GetDlgItem(sheet, kApplyButton)) != FALSE;
+}
+
+void PressApply(HWND sheet)
+{
+    SendMessageW(GetDlgItem(sheet, kApplyButton), BM_CLICK, 0, 0);
+    oemhost::PumpMessages(20);
 }
 
 HWND WaitForWindow(const std::function<bool(HWND)>& match, DWORD ms)

@@ -54,8 +54,10 @@ std::vector<std::wstring> ComboItems(HWND dlg, int id);
 std::vector<std::wstring> ListBoxItems(HWND dlg, int id);
 // One click on an arrow of a scroll bar used as a spin: the code, then SB_ENDSCROLL.
 void Spin(HWND dlg, int barId, int code);
-// The property sheet's Apply button.
+// The property sheet's Apply button: whether it is enabled, and pressing it as a person does
+// (the sheet applies every page and greys the button again).
 bool ApplyEnabled(HWND sheet);
+void PressApply(HWND sheet);
 
 // ---- windows other threads own ------------------------------------------------------------
 

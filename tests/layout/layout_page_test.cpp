@@ -411,8 +411,11 @@ TEST_F(LayoutPage, OnlyRealChangesEnableApply)
 {
     StoreMisc(PatternedMisc());
     ASSERT_NE(nullptr, Open());
-    ASSERT_TRUE(host.Apply());
+    Type(page, IDE_LAYOUT_COPIES, L"2");
+    ASSERT_TRUE(ApplyEnabled(sheet)) << "typing is a change";
+    PressApply(sheet);
     ASSERT_FALSE(ApplyEnabled(sheet)) << "applied: nothing pending";
+    ASSERT_EQ(2, Misc().at(19));
 
     Click(page, IDR_LAYOUT_PORTRAIT);
     EXPECT_FALSE(ApplyEnabled(sheet)) << "portrait is what is stored";
@@ -424,16 +427,31 @@ TEST_F(LayoutPage, OnlyRealChangesEnableApply)
     EXPECT_FALSE(ApplyEnabled(sheet)) << "the paper type counts when its list is opened";
     DropAndPick(page, IDC_LAYOUT_PAPER_TYPE, 1);
     EXPECT_TRUE(ApplyEnabled(sheet));
-    ASSERT_TRUE(host.Apply());
+    PressApply(sheet);
+    ASSERT_FALSE(ApplyEnabled(sheet));
+    EXPECT_EQ(2, Misc().at(51)) << "the unit chosen earlier is applied with the rest";
 
     Click(page, IDR_LAYOUT_LANDSCAPE);
     EXPECT_TRUE(ApplyEnabled(sheet));
-    ASSERT_TRUE(host.Apply());
+    PressApply(sheet);
+    Click(page, IDR_LAYOUT_ROTATE_90);
+    EXPECT_TRUE(ApplyEnabled(sheet));
+    PressApply(sheet);
     Spin(page, IDSB_LAYOUT_COPIES, SB_LINEUP);
     EXPECT_TRUE(ApplyEnabled(sheet)) << "the spin's new text is an edit change";
-    ASSERT_TRUE(host.Apply());
+    PressApply(sheet);
     Pick(page, IDC_LAYOUT_PAPER_SIZE, 0);
     EXPECT_TRUE(ApplyEnabled(sheet));
+    PressApply(sheet);
+    Click(page, IDX_LAYOUT_CROP_TOP);
+    EXPECT_TRUE(ApplyEnabled(sheet));
+    PressApply(sheet);
+    EXPECT_FALSE(ApplyEnabled(sheet));
+    const std::vector<BYTE> misc = Misc();
+    EXPECT_EQ(1, misc.at(42));
+    EXPECT_EQ(1, misc.at(21));
+    EXPECT_EQ(3, misc.at(19));
+    EXPECT_EQ(1, misc.at(23));
 }
 
 TEST_F(LayoutPage, RefusedDeviceModeWritesAreRetriedOnceAndKeepTheOldSettings)
