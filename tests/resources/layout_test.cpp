@@ -475,6 +475,164 @@ TEST_F(Templates, EveryVisibleControlLiesInsideItsDialog)
     });
 }
 
+// The English texts users, manuals and support already know, byte for byte.
+struct KnownText {
+    WORD templateId;
+    int control;
+    const char* text;
+};
+const KnownText kEnglishTexts[] = {
+    {IDD_LAYOUT, IDB_LAYOUT_USER_PAPER, "..."}, {IDD_LAYOUT, IDR_LAYOUT_PORTRAIT, "Portrait"},
+    {IDD_LAYOUT, IDR_LAYOUT_LANDSCAPE, "Landscape"}, {IDD_LAYOUT, IDR_LAYOUT_ROTATE_0, "Normal"},
+    {IDD_LAYOUT, IDR_LAYOUT_ROTATE_90, "Rotation by 90 Degrees [CW]"},
+    {IDD_LAYOUT, IDR_LAYOUT_ROTATE_180, "Rotation by 180 Degrees [CW]"},
+    {IDD_LAYOUT, IDR_LAYOUT_ROTATE_270, "Rotation by 270 Degrees [CW]"},
+    {IDD_LAYOUT, IDX_LAYOUT_REDUCTION, "Paper Reduction"},
+    {IDD_LAYOUT, IDR_LAYOUT_BARCODE_KEEP, "Disable reducing barcode"},
+    {IDD_LAYOUT, IDR_LAYOUT_BARCODE_REDUCE, "Enable reducing barcode"},
+    {IDD_LAYOUT, IDX_LAYOUT_INTERPOLATION, "Pixel Interpolation"},
+    {IDD_LAYOUT, IDX_LAYOUT_CROP_LEFT, "Left Crop Length"}, {IDD_LAYOUT, IDX_LAYOUT_CROP_RIGHT, "Right Crop Length"},
+    {IDD_LAYOUT, IDX_LAYOUT_CROP_TOP, "Top Crop Length"}, {IDD_LAYOUT, IDX_LAYOUT_CROP_BOTTOM, "Bottom Crop Length"},
+    {IDD_LAYOUT, IDT_HIDDEN_LAYOUT_RECEIPT, "Receipt"}, {IDD_LAYOUT, IDT_HIDDEN_LAYOUT_TICKET, "Ticket"},
+    {IDD_LAYOUT, IDT_HIDDEN_LAYOUT_USER_RATE, "User Defined"}, {IDD_LAYOUT, IDT_HIDDEN_LAYOUT_UNIT_MM, "[ mm ]"},
+    {IDD_LAYOUT, IDT_HIDDEN_LAYOUT_UNIT_PIXEL, "[ Pixel ]"},
+    {IDD_LAYOUT, IDT_HIDDEN_LAYOUT_UNIT_MARGIN, "[Margin Crop]"},
+    {IDD_USER_PAPER, IDX_PAPER_IMAGE_WIDTH, "Based on Image Width"},
+    {IDD_USER_PAPER, IDT_PAPER_WIDTH_LABEL, "Paper Width : "},
+    {IDD_USER_PAPER, IDT_HIDDEN_PAPER_IMAGE_WIDTH, "Image Width :"}, {IDD_USER_PAPER, IDB_PAPER_DELETE, "Delete"},
+    {IDD_USER_PAPER, IDB_PAPER_SAVE, "Save"}, {IDD_USER_PAPER, IDB_PAPER_CLOSE, "Close"},
+    {IDD_USER_PAPER, IDT_HIDDEN_PAPER_REFUSED, "This paper name can not be registered."},
+    {IDD_USER_PAPER, IDT_HIDDEN_PAPER_UPDATE, "Do you want to update the paper size?"},
+    {IDD_USER_PAPER, IDT_HIDDEN_PAPER_ERROR, "Error"}, {IDD_USER_PAPER, IDT_HIDDEN_PAPER_QUESTION, "Question"},
+    {IDD_USER_PAPER, IDT_HIDDEN_PAPER_DEFAULT_NAME, "User-defined paper"},
+    {IDD_DOCSETTINGS, IDX_DOC_DRAWER1_BEFORE, "Open before printing #1"},
+    {IDD_DOCSETTINGS, IDX_DOC_DRAWER2_BEFORE, "Open before printing #2"},
+    {IDD_DOCSETTINGS, IDX_DOC_DRAWER1_AFTER, "Open after printing #1"},
+    {IDD_DOCSETTINGS, IDX_DOC_DRAWER2_AFTER, "Open after printing #2"},
+    {IDD_DOCSETTINGS, IDX_DOC_BEEP_BEFORE, "Beep sound before printing"},
+    {IDD_DOCSETTINGS, IDX_DOC_BEEP_AFTER, "Beep sound after printing"},
+    {IDD_DOCSETTINGS, IDT_DOC_DRAWER1_BEFORE_UNIT, "[ ms ]"}, {IDD_DOCSETTINGS, IDT_DOC_DRAWER2_BEFORE_UNIT, "[ ms ]"},
+    {IDD_DOCSETTINGS, IDT_DOC_DRAWER1_AFTER_UNIT, "[ ms ]"}, {IDD_DOCSETTINGS, IDT_DOC_DRAWER2_AFTER_UNIT, "[ ms ]"},
+    {IDD_DOCSETTINGS, IDT_DOC_BEEP_BEFORE_UNIT, "[ ms ]"}, {IDD_DOCSETTINGS, IDT_DOC_BEEP_AFTER_UNIT, "[ ms ]"},
+    {IDD_DOCSETTINGS, IDR_DOC_CUT_NONE_NONE, "Page / Job : No Cut / No Cut"},
+    {IDD_DOCSETTINGS, IDR_DOC_CUT_NONE_PARTIAL, "Page / Job : No Cut / Partial Cut"},
+    {IDD_DOCSETTINGS, IDR_DOC_CUT_PARTIAL_PARTIAL, "Page / Job : Partial Cut / Partial Cut"},
+    {IDD_DOCSETTINGS, IDT_HIDDEN_DOC_ALARM_END_DOC, "Alarm on End Doc"},
+    {IDD_DOCSETTINGS, IDT_HIDDEN_DOC_ALARM_END_PAGE, "Alarm on End Page"},
+    {IDD_DOCSETTINGS, IDT_HIDDEN_DOC_TIMES, "[ times ]"},
+    {IDD_NVIMAGE, IDR_NV_GRAPHIC, "NV Graphic"}, {IDD_NVIMAGE, IDR_NV_BITMAP, "NV Bitmap Image"},
+    {IDD_NVIMAGE, IDT_HIDDEN_NV_IMAGE, "NV Image"}, {IDD_NVIMAGE, IDT_HIDDEN_NV_NONE, "None"},
+    {IDD_BARCODE, IDC_BARCODE_SET, "Properties"}, {IDD_BARCODE, IDC_CODE_SET, "Properties"},
+    {IDD_BARCODE_1D_PROPERTY, IDR_BC1D_FONT_A, "Font A"}, {IDD_BARCODE_1D_PROPERTY, IDR_BC1D_FONT_B, "Font B"},
+    {IDD_BARCODE_1D_PROPERTY, IDT_HIDDEN_BC1D_HRI_NONE, "None"},
+    {IDD_BARCODE_1D_PROPERTY, IDT_HIDDEN_BC1D_HRI_TOP, "Top"},
+    {IDD_BARCODE_1D_PROPERTY, IDT_HIDDEN_BC1D_HRI_BOTTOM, "Bottom"},
+    {IDD_BARCODE_1D_PROPERTY, IDT_HIDDEN_BC1D_HRI_BOTH, "Top and Bottom"},
+    {IDD_BARCODE_1D_PROPERTY, IDOK, "OK"}, {IDD_BARCODE_1D_PROPERTY, IDCANCEL, "Cancel"},
+    {IDD_BARCODE_2D_PROPERTY, IDX_BC2D_PDF_SIMPLIFIED, "Set the processing of simplified PDF417 symbol"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_0, "Level 0"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_1, "Level 1"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_2, "Level 2"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_3, "Level 3"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_4, "Level 4"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_5, "Level 5"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_6, "Level 6"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_7, "Level 7"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_PDF_LEVEL_8, "Level 8"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_QR_MODEL_1, "Model 1"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_QR_MODEL_2, "Model 2"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_QR_LEVEL_L, "Level L"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_QR_LEVEL_M, "Level M"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_QR_LEVEL_Q, "Level Q"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_QR_LEVEL_H, "Level H"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_DATABAR_STACKED, "Stacked"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_DATABAR_STACKED_OMNI, "Stacked Omnidirection"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_LINEAR_OMNI, "GS1 DataBar Omnidirection"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_LINEAR_TRUNCATED, "GS1 DataBar Truncated"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_LINEAR_STACKED, "GS1 DataBar Stacked"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_LINEAR_STACKED_OMNI, "GS1 DataBar Stacked Omnidirection"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_LINEAR_LIMITED, "GS1 DataBar Limited"},
+    {IDD_BARCODE_2D_PROPERTY, IDT_HIDDEN_BC2D_LINEAR_EXPANDED, "GS1 DataBar Expanded"},
+    {IDD_UTILITY, IDB_UTIL_CONFIG_UTILITY, "Orlivex Utility"},
+    {IDD_UTILITY, IDB_UTIL_SPECIAL_FONT, "Special Font(FontcontrolA) Edit"},
+    {IDD_UTILITY, IDX_UTIL_JOURNAL, "Enable Journal"}, {IDD_UTILITY, IDB_UTIL_JOURNAL_VIEWER, "Journal Viewer"},
+    {IDD_UTILITY, IDX_UTIL_TEXT_KEY, "Enable Text-Key Function"}, {IDD_UTILITY, IDB_UTIL_TEXT_KEY, "Text-Key Function"},
+    {IDD_UTILITY, IDX_UTIL_PRINT_PREVIEW, "Enable Print Preview"},
+    {IDD_UTILITY, IDX_UTIL_FONT_REPLACE, "Enable Font Replacement Function"},
+    {IDD_UTILITY, IDB_UTIL_FONT_REPLACE, "Font Replacement Function"},
+    {IDD_UTILITY, IDG_UTIL_STATUS_MONITOR, "Status Monitor Utility"},
+    {IDD_UTILITY, IDB_UTIL_STATUS_MONITOR, "Status Monitor Utility"},
+    {IDD_UTILITY, IDX_UTIL_IMAGE_MACRO, "Enable Image Macro"}, {IDD_UTILITY, IDB_UTIL_IMAGE_MACRO, "Image Macro"},
+    {IDD_PRINTER_SETTINGS, IDG_PRN_BLUETOOTH, "Bluetooth"},
+    {IDD_PRINTER_SETTINGS, IDR_PRN_BT_SINGLE_CHIP, "Single Chip"},
+    {IDD_PRINTER_SETTINGS, IDR_PRN_BT_TWO_CHIP, "Two-Chip"},
+    {IDD_DITHER, IDR_DITHER_MONOCHROME, "Monochrome"}, {IDD_DITHER, IDR_DITHER_GREYSCALE, "Greyscale"},
+    {IDD_DITHER, IDR_DITHER_NONE, "None"}, {IDD_DITHER, IDR_DITHER_ERROR_DIFFUSION, "Error Diffusion"},
+    {IDD_DITHER, IDR_DITHER_ORDERED, "Ordered Dither"}, {IDD_DITHER, IDR_DITHER_MATRIX4, "4x4 Matrix"},
+    {IDD_DITHER, IDR_DITHER_MATRIX8, "8x8 Matrix"}, {IDD_DITHER, IDB_DITHER_ADVANCED, "Advanced"},
+    {IDD_DITHER_ADVANCED, IDT_ADV_THRESHOLD_VALUE, "128"}, {IDD_DITHER_ADVANCED, IDT_ADV_BOLD_LINE_VALUE, "0"},
+    {IDD_DITHER_ADVANCED, IDOK, "OK"}, {IDD_DITHER_ADVANCED, IDB_ADV_CLOSE, "Close"},
+};
+
+TEST_F(Templates, EnglishTextsAreTheKnownTexts)
+{
+    ASSERT_NE(nullptr, plugin_);
+    for (const KnownText& k : kEnglishTexts) {
+        SCOPED_TRACE(testing::Message() << "template " << k.templateId << ", control " << k.control);
+        HWND dialog = dialogs::Create(plugin_, k.templateId, 1033, dialogs::HostWindow());
+        ASSERT_NE(nullptr, dialog);
+        HWND control = GetDlgItem(dialog, k.control);
+        ASSERT_NE(nullptr, control);
+        EXPECT_EQ(k.text, Narrow(TextOf(control)));
+        DestroyWindow(dialog);
+    }
+}
+
+// The language list names each language in itself, so it reads the same whatever the pages show.
+TEST_F(Templates, LanguageNamesAreTheSameInEveryLanguage)
+{
+    static const struct {
+        int control;
+        const char* name;
+    } names[] = {
+        {IDT_HIDDEN_PRN_LANG_ENGLISH, "English"}, {IDT_HIDDEN_PRN_LANG_GERMAN, "Deutsch"},
+        {IDT_HIDDEN_PRN_LANG_FRENCH, "Fran\xc3\xa7" "ais"}, {IDT_HIDDEN_PRN_LANG_SPANISH, "Espa\xc3\xb1ol"},
+        {IDT_HIDDEN_PRN_LANG_ITALIAN, "Italiano"}, {IDT_HIDDEN_PRN_LANG_POLISH, "Polski"},
+        {IDT_HIDDEN_PRN_LANG_HUNGARIAN, "Magyar"},
+        {IDT_HIDDEN_PRN_LANG_RUSSIAN, "\xd1\x80\xd1\x83\xd1\x81\xd1\x81\xd0\xba\xd0\xb8\xd0\xb9"},
+        {IDT_HIDDEN_PRN_LANG_KOREAN, "\xed\x95\x9c\xea\xb5\xad\xec\x96\xb4"},
+        {IDT_HIDDEN_PRN_LANG_JAPANESE, "\xe6\x97\xa5\xe6\x9c\xac\xe8\xaa\x9e"},
+        {IDT_HIDDEN_PRN_LANG_CHINESE_S, "\xe7\xae\x80\xe4\xbd\x93\xe4\xb8\xad\xe6\x96\x87"},
+        {IDT_HIDDEN_PRN_LANG_CHINESE_T, "\xe7\xb9\x81\xe9\xab\x94\xe4\xb8\xad\xe6\x96\x87"},
+    };
+    ASSERT_NE(nullptr, plugin_);
+    for (const dialogs::Language& lang : dialogs::Languages()) {
+        SCOPED_TRACE(lang.tag);
+        HWND dialog = dialogs::Create(plugin_, IDD_PRINTER_SETTINGS, lang.id, dialogs::HostWindow());
+        ASSERT_NE(nullptr, dialog);
+        for (const auto& n : names) EXPECT_EQ(n.name, Narrow(TextOf(GetDlgItem(dialog, n.control))));
+        DestroyWindow(dialog);
+    }
+}
+
+// The Dithering page previews a 96 x 102 picture of 24 bits per pixel, whatever the page language.
+TEST_F(Templates, PreviewPictureIsThere)
+{
+    ASSERT_NE(nullptr, plugin_);
+    HANDLE image = LoadImageW(plugin_, MAKEINTRESOURCEW(IDBM_DITHER_SAMPLE), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
+    ASSERT_NE(nullptr, image);
+    DIBSECTION dib = {};
+    ASSERT_EQ(static_cast<int>(sizeof dib), GetObjectW(image, sizeof dib, &dib));
+    EXPECT_EQ(96, dib.dsBmih.biWidth);
+    EXPECT_EQ(102, dib.dsBmih.biHeight);
+    EXPECT_EQ(24, dib.dsBmih.biBitCount);
+    EXPECT_EQ(static_cast<DWORD>(BI_RGB), dib.dsBmih.biCompression);
+    DeleteObject(image);
+    // Neutral, so a page of any language finds it.
+    EXPECT_NE(nullptr, FindResourceExW(plugin_, MAKEINTRESOURCEW(2) /* RT_BITMAP */, MAKEINTRESOURCEW(IDBM_DITHER_SAMPLE),
+                                       MAKELANGID(LANG_NEUTRAL, SUBLANG_NEUTRAL)));
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
