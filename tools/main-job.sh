@@ -1,34 +1,23 @@
 #!/usr/bin/env bash
 # The main job: builds everything, prepares a demo Wine prefix with a sample printer, and opens its
 # Printing Preferences and Printer Properties through the driver-core stand-in in every page
-# language, saving a PNG of every page under out/screenshots/. With a display the English
+# language, saving a PNG of every page and dialog under out/screenshots/. With a display the English
 # Printing Preferences then stay open for you to use; without one everything runs under Xvfb.
 set -euo pipefail
 top=$(cd "$(dirname "$0")/.." && pwd)
-"$top/tools/setup.sh"
-"$top/tools/build.sh"
-
 out="$top/out"
 prefix="$out/demo-prefix"
 shots="$out/screenshots"
 printer="ORLIVEX QM-101"
-mkdir -p "$out"
-rm -rf "$shots"; mkdir -p "$shots"
-echo "main job: preparing the demo Wine prefix in $prefix"
-"$top/tools/new-prefix.sh" "$prefix"
-export WINEPREFIX="$prefix" WINEDEBUG=-all
-# The driver ships its configuration in the system directory and its paper list in the model's folder.
-cp "$top/samples/QVRPOS_Config.QVR" "$prefix/drive_c/windows/system32/"
-mkdir -p "$prefix/drive_c/windows/QM-101"
-cp "$top/samples/AddCustomPaper.txt" "$prefix/drive_c/windows/QM-101/"
-
 host="$top/build/win/bin/oemhost.exe"
-winshots=$(winepath -w "$shots")
+export WINEPREFIX="$prefix" WINEDEBUG=-all
 
-
+# Installs the demo printer and photographs both sheets in every page language.
 tour() {
-  wine "$host" install "$printer" "ORLIVEX QM-101" "Roll 80 x 297 mm[R80]"
-  # language tag, Wine locale, page-language index stored in the printer's settings
+  local winshots
+  winshots=$(winepath -w "$shots")
+  wine "$host" install "$printer" "ORLIVEX QM-101" "80 x 297 mm[R80]"
+  # language tag, Wine locale (it sets Wine's user-interface language), page-language index
   while read -r tag locale index; do
     LC_ALL=$locale wine "$host" document "$printer" --screenshots "$winshots" --name "$tag" --language-index "$index"
     LC_ALL=$locale wine "$host" device "$printer" --screenshots "$winshots" --name "$tag"
@@ -49,16 +38,30 @@ LANGS
   wineserver -w
 }
 
+if [ "${1:-}" = "--tour" ]; then   # this script again, inside Xvfb
+  tour
+  exit 0
+fi
+
+"$top/tools/setup.sh"
+"$top/tools/build.sh"
+mkdir -p "$out"
+rm -rf "$shots"; mkdir -p "$shots"
+echo "main job: preparing the demo Wine prefix in $prefix"
+"$top/tools/new-prefix.sh" "$prefix"
+# The driver ships its configuration in the system directory and its paper list in the model's folder.
+cp "$top/samples/QVRPOS_Config.QVR" "$prefix/drive_c/windows/system32/"
+mkdir -p "$prefix/drive_c/windows/QM-101"
+cp "$top/samples/AddCustomPaper.txt" "$prefix/drive_c/windows/QM-101/"
+
 if [ -n "${DISPLAY:-}" ]; then
   tour
   echo "main job: opening the Printing Preferences of \"$printer\"; close the window to finish"
-  LC_ALL=en_US.UTF-8 wine "$host" document "$printer"
+  LC_ALL=en_US.UTF-8 wine "$host" document "$printer" --language-index 0
 else
-  export -f tour
-  export host printer winshots
-  xvfb-run -a -s "-screen 0 1280x1024x24" bash -c tour
+  xvfb-run -a -s "-screen 0 1280x1024x24" "$0" --tour
 fi
 wineserver -k 2>/dev/null || true
-count=$(ls "$shots"/*.png 2>/dev/null | wc -l)
+count=$(find "$shots" -name '*.png' | wc -l)
 echo "main job: $count screenshots in $shots"
 echo "main job: the plug-in's log is in $prefix/drive_c/temp/QVRPOS"
