@@ -340,17 +340,31 @@ TEST_F(Templates, EnglishCaptionsAreTheProductNames)
     }
 }
 
-TEST_F(Templates, AdvancedDitherDialogHasItsFixedSize)
+// The dithering dialogs are drawn for a fixed size and face; the preview and the trackbars rely on them.
+TEST_F(Templates, DitherTemplatesHaveTheirFixedSizeAndFont)
 {
+    static const struct {
+        WORD id;
+        int cx, cy;
+    } fixed[] = {{IDD_DITHER, 219, 300}, {IDD_DITHER_ADVANCED, 224, 84}};
     ASSERT_NE(nullptr, plugin_);
-    HWND dialog = dialogs::Create(plugin_, IDD_DITHER_ADVANCED, 1033, dialogs::HostWindow());
-    ASSERT_NE(nullptr, dialog);
-    RECT units = {0, 0, 224, 84}, client;
-    MapDialogRect(dialog, &units);
-    GetClientRect(dialog, &client);
-    EXPECT_EQ(units.right, client.right);
-    EXPECT_EQ(units.bottom, client.bottom);
-    DestroyWindow(dialog);
+    for (const auto& f : fixed) {
+        SCOPED_TRACE(testing::Message() << "template " << f.id);
+        HWND dialog = dialogs::Create(plugin_, f.id, 1033, dialogs::HostWindow());
+        ASSERT_NE(nullptr, dialog);
+        RECT units = {0, 0, f.cx, f.cy}, client;
+        MapDialogRect(dialog, &units);
+        GetClientRect(dialog, &client);
+        EXPECT_EQ(units.right, client.right);
+        EXPECT_EQ(units.bottom, client.bottom);
+        LOGFONTW font = {};
+        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog, WM_GETFONT, 0, 0)), sizeof font, &font);
+        EXPECT_STREQ(L"MS Sans Serif", font.lfFaceName);
+        HDC screen = GetDC(nullptr);
+        EXPECT_EQ(-MulDiv(8, GetDeviceCaps(screen, LOGPIXELSY), 72), font.lfHeight) << "8 points";
+        ReleaseDC(nullptr, screen);
+        DestroyWindow(dialog);
+    }
 }
 
 TEST_F(Templates, EveryControlTheCodeDrivesIsThereWithItsKind)
