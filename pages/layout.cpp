@@ -7,6 +7,7 @@
 #include "oemui/handles.h"
 #include "oemui/intrface.h"
 #include "oemui/log.h"
+#include "oemui/themed.h"
 #include "pages/devmode.h"
 #include "pages/pages.h"
 #include "pages/user_paper.h"
@@ -244,8 +245,11 @@ void Layout_OnUserPaper(HWND hDlg, DIALOGINFO* lpdi)
     }
     AppendCut(fullName, lpdi->formId);
 
-    DialogBoxParamW(ModuleInstance, MAKEINTRESOURCEW(IDD_USER_PAPER), hDlg, DlgUserDefinedPaper,
-                    reinterpret_cast<LPARAM>(lpdi));
+    {
+        PluginControlsScope themed;
+        DialogBoxParamW(ModuleInstance, MAKEINTRESOURCEW(IDD_USER_PAPER), hDlg, DlgUserDefinedPaper,
+                        reinterpret_cast<LPARAM>(lpdi));
+    }
 
     UpdatePaperSizeList(hDlg, lpdi, lpdi->formId);
     const int exists = Utility_EnumPrinterForms(lpdi, fullName);
