@@ -4,6 +4,7 @@
 // Every step produces exactly what the per-pixel rules below say. The rules are written once, as
 // small functions of (level, x, y); the loops turn them into tables and thresholds and hand the
 // rows to the kernels in ximakernels.cpp. No window or GDI call is made here.
+#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -79,17 +80,39 @@ int OrderedMethodRule(long method, int level, long x, long y, const BYTE* bayer)
 
 // All three ordered rules are monotonic in the level: brighter never turns a white dot black. So
 // each position has a threshold, the lowest level that prints white, and a row is one vector
-// compare against a pattern of sixteen thresholds (the matrices repeat every 4 or 8 pixels).
-// Returns false if some position never prints white (a threshold of 256 has no byte).
-bool BuildRowPattern(long method, long y, const BYTE* bayer, BYTE pattern[16])
+// compare against a pattern of sixteen thresholds (the matrices repeat every 4 or 8 pixels, in
+// both directions).
+struct RowPatterns {
+    BYTE row[8][16];
+    bool valid;  // false if some position never prints white (a threshold of 256 has no byte)
+};
+
+RowPatterns BuildRowPatterns(long method, const BYTE* bayer)
 {
-    for (long x = 0; x < 16; x++) {
-        int level = 0;
-        while (level < 256 && OrderedMethodRule(method, level, x, y, bayer) == 0) level++;
-        if (level == 256) return false;
-        pattern[x] = static_cast<BYTE>(level);
-    }
-    return true;
+    RowPatterns p;
+    p.valid = true;
+    for (long y = 0; y < 8; y++)
+        for (long x = 0; x < 8; x++) {
+            int lo = 0, hi = 256;  // the threshold is in [lo, hi]; 256 means never
+            while (lo < hi) {
+                const int mid = (lo + hi) / 2;
+                if (OrderedMethodRule(method, mid, x, y, bayer))
+                    hi = mid;
+                else
+                    lo = mid + 1;
+            }
+            if (lo == 256) p.valid = false;
+            p.row[y][x] = p.row[y][x + 8] = static_cast<BYTE>(lo);
+        }
+    return p;
+}
+
+// Methods 2 and 4 depend on nothing but their matrices: their patterns are worked out once.
+const RowPatterns& FixedPatterns(long method)
+{
+    static const RowPatterns ordered = BuildRowPatterns(2, nullptr);
+    static const RowPatterns matrix8 = BuildRowPatterns(4, nullptr);
+    return method == 2 ? ordered : matrix8;
 }
 
 // Pixels of a 1-, 4- or 8-bit row as indices.
@@ -301,6 +324,9 @@ bool CxImage::DecreaseBpp(DWORD nbit, DWORD clrimportant)
     }
     BYTE pattern[16];
     memset(pattern, threshold, sizeof pattern);
+    BYTE sumPattern[16];
+    memset(sumPattern, 96, sizeof sumPattern);
+    BYTE* sums = sumRule ? new (std::nothrow) BYTE[width] : nullptr;
 
     DWORD y = 0;
     for (; y < height; y++) {
@@ -313,21 +339,17 @@ bool CxImage::DecreaseBpp(DWORD nbit, DWORD clrimportant)
                 ximakernels::ThresholdRow(src, width, pattern, out, outBytes);
             else
                 BitsFromIndexRow(src, m_head.biBitCount, width, bitOf, out, outBytes);
-        } else if (sumRule) {
-            unsigned acc = 0;
-            for (DWORD x = 0; x < width; x++, src += 3) {
-                acc = (acc << 1) | (unsigned(src[0]) + src[1] + src[2] >= 383 ? 1u : 0u);
-                if ((x & 7) == 7) out[x >> 3] = static_cast<BYTE>(acc);
-            }
-            DWORD done = width >> 3;
-            if (width & 7) out[done++] = static_cast<BYTE>(acc << (8 - (width & 7)));
-            if (done < outBytes) memset(out + done, 0, outBytes - done);
+        } else if (sumRule && sums != nullptr) {
+            // (r + g + b + 1) >> 2 >= 96 exactly when r + g + b >= 383.
+            ximakernels::WeightedRow24(src, sums, width, 1, 1, 1, 1, 2);
+            ximakernels::ThresholdRow(sums, width, sumPattern, out, outBytes);
         } else {
             memset(out, 0, outBytes);
             for (DWORD x = 0; x < width; x++)
                 tmp.BlindSetPixelIndex(x, y, tmp.GetNearestIndex(GetPixelColor(x, y)));
         }
     }
+    delete[] sums;
     // Rows left out by an escape stay black rather than uninitialised.
     for (; y < height; y++) memset(tmp.GetBits(y), 0, outBytes);
     Transfer(tmp);
@@ -363,16 +385,15 @@ bool CxImage::Dither(long method)
             BuildBayerTable(bayer);
         }
         // The patterns repeat every 8 rows.
-        BYTE patterns[8][16];
-        bool vector = true;
-        for (long r = 0; r < 8; r++) vector = vector && BuildRowPattern(method, r, bayer, patterns[r]);
+        const RowPatterns patterns = method == 3 ? BuildRowPatterns(3, bayer) : FixedPatterns(method);
+        const bool vector = patterns.valid;
         for (; y < height; y++) {
             m_progress = Percent(y, height);
             if (m_escape) break;
             const BYTE* src = GetBits(y);
             BYTE* out = tmp.GetBits(y);
             if (vector) {
-                ximakernels::ThresholdRow(src, width, patterns[y % 8], out, outBytes);
+                ximakernels::ThresholdRow(src, width, patterns.row[y % 8], out, outBytes);
             } else {
                 memset(out, 0, outBytes);
                 for (DWORD x = 0; x < width; x++)
@@ -387,27 +408,34 @@ bool CxImage::Dither(long method)
         const bool floyd = method == 1;
         const size_t padded = ximakernels::PaddedRow(width);
         BYTE* work = new (std::nothrow) BYTE[3 * padded];
-        if (work == nullptr) {
+        int16_t* errors = new (std::nothrow) int16_t[padded];
+        if (work == nullptr || errors == nullptr) {
+            delete[] work;
+            delete[] errors;
             SetLastError(kMsgAlloc);
             return false;
         }
         memset(work, 0, 3 * padded);
-        BYTE* rows[3] = {work + 2, work + padded + 2, work + 2 * padded + 2};
+        memset(errors, 0, padded * sizeof *errors);
+        const size_t pad = ximakernels::kPadLeft;
+        BYTE* rows[3] = {work + pad, work + padded + pad, work + 2 * padded + pad};
+        int16_t* err = errors + pad;
         const DWORD ahead = floyd ? 2 : 3;
-        for (DWORD r = 0; r < ahead && r < height; r++) memcpy(rows[r % 3], GetBits(r), width);
+        for (DWORD r = 0; r < ahead && r < height; r++) memcpy(rows[r], GetBits(r), width);
         for (; y < height; y++) {
             m_progress = Percent(y, height);
             if (m_escape) break;
             BYTE* out = tmp.GetBits(y);
             if (floyd) {
-                ximakernels::FloydSteinbergRow(rows[y % 2], rows[(y + 1) % 2], width, out, outBytes);
+                ximakernels::FloydSteinbergRow(rows[y % 2], rows[(y + 1) % 2], err, width, out, outBytes);
                 if (y + 2 < height) memcpy(rows[y % 2], GetBits(y + 2), width);
             } else {
-                ximakernels::SierraRow(rows[y % 3], rows[(y + 1) % 3], rows[(y + 2) % 3], width, out, outBytes);
+                ximakernels::SierraRow(rows[y % 3], rows[(y + 1) % 3], rows[(y + 2) % 3], err, width, out, outBytes);
                 if (y + 3 < height) memcpy(rows[y % 3], GetBits(y + 3), width);
             }
         }
         delete[] work;
+        delete[] errors;
     }
     for (; y < height; y++) memset(tmp.GetBits(y), 0, outBytes);
 

@@ -3,8 +3,9 @@
 
 #include <cstring>
 
-#if defined(__SSE2__)
+#if defined(__x86_64__) || defined(__i386__)
 #include <emmintrin.h>
+#include <tmmintrin.h>
 #endif
 
 namespace ximakernels {
@@ -31,48 +32,34 @@ constexpr BitReverse kReverse;
 // anything else prints black and leaves the level itself) already divided into the shares each
 // neighbour receives. C++ division truncates toward zero, as the shares must.
 struct FsShares {
-    int8_t right7[256], downLeft3[256], down5[256], downRight1[256];
-    constexpr FsShares() : right7(), downLeft3(), down5(), downRight1()
+    int16_t error[256];
+    int8_t right7[256];
+    constexpr FsShares() : error(), right7()
     {
         for (int level = 0; level < 256; level++) {
             const int err = level > 128 ? level - 255 : level;
+            error[level] = static_cast<int16_t>(err);
             right7[level] = static_cast<int8_t>(err * 7 / 16);
-            downLeft3[level] = static_cast<int8_t>(err * 3 / 16);
-            down5[level] = static_cast<int8_t>(err * 5 / 16);
-            downRight1[level] = static_cast<int8_t>(err * 1 / 16);
         }
     }
 };
 constexpr FsShares kFs;
 
-// Three-row diffusion, weights out of 32: 2, 3, 4 and 5 are all the distinct ones.
+// Three-row diffusion, weights out of 32; the decision pass needs the two shares along the row.
 struct SierraShares {
-    int8_t w2[256], w3[256], w4[256], w5[256];
-    constexpr SierraShares() : w2(), w3(), w4(), w5()
+    int16_t error[256];
+    int8_t w3[256], w5[256];
+    constexpr SierraShares() : error(), w3(), w5()
     {
         for (int level = 0; level < 256; level++) {
             const int err = level > 128 ? level - 255 : level;
-            w2[level] = static_cast<int8_t>(err * 2 / 32);
+            error[level] = static_cast<int16_t>(err);
             w3[level] = static_cast<int8_t>(err * 3 / 32);
-            w4[level] = static_cast<int8_t>(err * 4 / 32);
             w5[level] = static_cast<int8_t>(err * 5 / 32);
         }
     }
 };
 constexpr SierraShares kSierra;
-
-struct GrayWeights {
-    uint32_t r[256], g[256], b[256];
-    constexpr GrayWeights() : r(), g(), b()
-    {
-        for (uint32_t i = 0; i < 256; i++) {
-            r[i] = 306 * i;
-            g[i] = 601 * i;
-            b[i] = 117 * i;
-        }
-    }
-};
-constexpr GrayWeights kGray;
 
 inline int Clamp(int v)
 {
@@ -118,10 +105,58 @@ void LutBytes(uint8_t* p, size_t n, const uint8_t* table)
     for (; i < n; i++) p[i] = table[p[i]];
 }
 
-void GrayRow24(const uint8_t* src, uint8_t* dst, size_t width)
+namespace {
+
+#if defined(__x86_64__) || defined(__i386__)
+// Four pixels at a time from 16-byte loads: one byte shuffle puts red and green of each pixel side by
+// side as 16-bit values, another its blue; two multiply-adds give the weighted sums exactly.
+__attribute__((target("ssse3"))) size_t WeightedRow24Ssse3(const uint8_t* src, uint8_t* dst, size_t width, int wr,
+                                                           int wg, int wb, int bias, int shift)
 {
-    for (size_t x = 0; x < width; x++, src += 3)
-        dst[x] = static_cast<uint8_t>((kGray.b[src[0]] + kGray.g[src[1]] + kGray.r[src[2]]) >> 10);
+    const __m128i pickRG = _mm_setr_epi8(2, -1, 1, -1, 5, -1, 4, -1, 8, -1, 7, -1, 11, -1, 10, -1);
+    const __m128i pickB = _mm_setr_epi8(0, -1, -1, -1, 3, -1, -1, -1, 6, -1, -1, -1, 9, -1, -1, -1);
+    const __m128i wRG = _mm_set1_epi32((wg << 16) | wr);
+    const __m128i wB = _mm_set1_epi32(wb);
+    const __m128i vBias = _mm_set1_epi32(bias);
+    const __m128i vShift = _mm_cvtsi32_si128(shift);
+    size_t x = 0;
+    // The last 16-byte load of a block reads 4 bytes past its 4 pixels: stop while that stays in the row.
+    for (; x + 16 + 2 <= width; x += 16) {
+        __m128i g[4];
+        for (int k = 0; k < 4; k++) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + 3 * (x + 4 * k)));
+            __m128i sum = _mm_add_epi32(_mm_madd_epi16(_mm_shuffle_epi8(v, pickRG), wRG),
+                                        _mm_madd_epi16(_mm_shuffle_epi8(v, pickB), wB));
+            g[k] = _mm_srl_epi32(_mm_add_epi32(sum, vBias), vShift);
+        }
+        const __m128i lo = _mm_packs_epi32(g[0], g[1]), hi = _mm_packs_epi32(g[2], g[3]);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + x), _mm_packus_epi16(lo, hi));
+    }
+    return x;
+}
+
+bool HasSsse3()
+{
+    static const bool has = [] {
+        __builtin_cpu_init();
+        return __builtin_cpu_supports("ssse3") != 0;
+    }();
+    return has;
+}
+#endif
+
+}  // namespace
+
+void WeightedRow24(const uint8_t* src, uint8_t* dst, size_t width, int wr, int wg, int wb, int bias, int shift)
+{
+    size_t x = 0;
+#if defined(__x86_64__) || defined(__i386__)
+    if (HasSsse3()) x = WeightedRow24Ssse3(src, dst, width, wr, wg, wb, bias, shift);
+#endif
+    for (; x < width; x++) {
+        const uint8_t* p = src + 3 * x;
+        dst[x] = static_cast<uint8_t>((p[2] * wr + p[1] * wg + p[0] * wb + bias) >> shift);
+    }
 }
 
 void ThresholdRow(const uint8_t* src, size_t width, const uint8_t pattern[16], uint8_t* out,
@@ -145,66 +180,81 @@ void ThresholdRow(const uint8_t* src, size_t width, const uint8_t pattern[16], u
     FlushBits(out, width, acc, outBytes);
 }
 
-void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, size_t width, uint8_t* out, size_t outBytes)
+namespace {
+
+// Pass two of the error diffusion: the rows above take their shares. A cell takes the shares of
+// the pixels below-left to below-right of it in the order those pixels were decided, each share
+// (error x weight / divisor, truncated toward zero) added and clamped on its own, which is what a
+// pixel-by-pixel walk does to it. Unlike the decisions, cells do not depend on one another, so
+// eight go at a time. `err` holds the row's errors with zeros around them; `first` is the offset
+// of the leftmost contributing pixel (-2 .. 0) and `weights` / `count` the shares in order.
+void SpreadRow(uint8_t* row, const int16_t* err, size_t width, int first, const int* weights, int count, int shift)
 {
-    // The levels still changing live in registers: c is the pixel being decided; n0, n1 are the
-    // cells of the next row at x-1 and x, which have already taken some of their shares. A cell
-    // takes its shares in the same order as in a pixel-by-pixel walk (from x-1, x, then x+1),
-    // each clamped on its own, so the results are identical.
+    size_t j = 0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128(), top = _mm_set1_epi16(255);
+    const __m128i bias = _mm_set1_epi16(static_cast<short>((1 << shift) - 1));
+    const __m128i vShift = _mm_cvtsi32_si128(shift);
+    __m128i w[5];
+    for (int k = 0; k < count; k++) w[k] = _mm_set1_epi16(static_cast<short>(weights[k]));
+    for (; j < width; j += 8) {  // the rows and errors have room for the last block's overrun
+        __m128i v = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + j)), zero);
+        for (int k = 0; k < count; k++) {
+            const __m128i e = _mm_loadu_si128(reinterpret_cast<const __m128i*>(err + ptrdiff_t(j) + first + k));
+            const __m128i m = _mm_mullo_epi16(e, w[k]);
+            const __m128i share = _mm_sra_epi16(_mm_add_epi16(m, _mm_and_si128(_mm_srai_epi16(m, 15), bias)), vShift);
+            v = _mm_min_epi16(_mm_max_epi16(_mm_add_epi16(v, share), zero), top);
+        }
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(row + j), _mm_packus_epi16(v, v));
+    }
+#endif
+    for (; j < width; j++) {
+        int v = row[j];
+        for (int k = 0; k < count; k++) v = Clamp(v + err[ptrdiff_t(j) + first + k] * weights[k] / (1 << shift));
+        row[j] = static_cast<uint8_t>(v);
+    }
+}
+
+}  // namespace
+
+void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, int16_t* err, size_t width, uint8_t* out, size_t outBytes)
+{
+    // Pass one decides the row: each pixel depends on the one before it through its 7/16 share,
+    // so this is a short serial chain kept in a register. The errors are kept for pass two.
     int c = cur[0];
-    int n0 = next1[-1];
-    int n1 = next1[0];
     unsigned acc = 0;
     const ptrdiff_t w = static_cast<ptrdiff_t>(width);
     for (ptrdiff_t x = 0; x < w; x++) {
         const int level = c;
         acc = (acc << 1) | (level > 128 ? 1u : 0u);
         if ((x & 7) == 7) out[x >> 3] = static_cast<uint8_t>(acc);
+        err[x] = kFs.error[level];
         c = Clamp(cur[x + 1] + kFs.right7[level]);
-        n0 = Clamp(n0 + kFs.downLeft3[level]);
-        next1[x - 1] = static_cast<uint8_t>(n0);
-        n1 = Clamp(n1 + kFs.down5[level]);
-        const int n2 = Clamp(next1[x + 1] + kFs.downRight1[level]);
-        n0 = n1;
-        n1 = n2;
     }
-    next1[w - 1] = static_cast<uint8_t>(n0);
     FlushBits(out, width, acc, outBytes);
+    static const int below[3] = {1, 5, 3};  // from x-1, x, x+1
+    SpreadRow(next1, err, width, -1, below, 3, 4);
 }
 
-void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, size_t width, uint8_t* out,
+void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, int16_t* err, size_t width, uint8_t* out,
                size_t outBytes)
 {
-    // Same scheme as FloydSteinbergRow with wider windows: a0..a3 are the next row's cells x-2 ..
-    // x+1, b0, b1 the row after it at x-1 and x, c0, c1 this row at x and x+1.
-    int c0 = cur[0], c1 = cur[1];
-    int a0 = next1[-2], a1 = next1[-1], a2 = next1[0], a3 = next1[1];
-    int b0 = next2[-1], b1 = next2[0];
+    int c0 = cur[0], c1 = cur[1];  // this pixel, and the next one with its share from the one before
     unsigned acc = 0;
     const ptrdiff_t w = static_cast<ptrdiff_t>(width);
     for (ptrdiff_t x = 0; x < w; x++) {
         const int level = c0;
         acc = (acc << 1) | (level > 128 ? 1u : 0u);
         if ((x & 7) == 7) out[x >> 3] = static_cast<uint8_t>(acc);
-        const int s2 = kSierra.w2[level], s3 = kSierra.w3[level];
-        const int s4 = kSierra.w4[level], s5 = kSierra.w5[level];
-        c0 = Clamp(c1 + s5);
-        c1 = Clamp(cur[x + 2] + s3);
-        a0 = Clamp(a0 + s2);
-        next1[x - 2] = static_cast<uint8_t>(a0);
-        a0 = Clamp(a1 + s4);
-        a1 = Clamp(a2 + s5);
-        a2 = Clamp(a3 + s4);
-        a3 = Clamp(next1[x + 2] + s2);
-        b0 = Clamp(b0 + s2);
-        next2[x - 1] = static_cast<uint8_t>(b0);
-        b0 = Clamp(b1 + s3);
-        b1 = Clamp(next2[x + 1] + s2);
+        err[x] = kSierra.error[level];
+        c0 = Clamp(c1 + kSierra.w5[level]);
+        c1 = Clamp(cur[x + 2] + kSierra.w3[level]);
     }
-    next1[w - 2] = static_cast<uint8_t>(a0);
-    next1[w - 1] = static_cast<uint8_t>(a1);
-    next2[w - 1] = static_cast<uint8_t>(b0);
     FlushBits(out, width, acc, outBytes);
+    static const int below1[5] = {2, 4, 5, 4, 2};  // from x-2 .. x+2
+    static const int below2[3] = {2, 3, 2};        // from x-1 .. x+1
+    SpreadRow(next1, err, width, -2, below1, 5, 5);
+    SpreadRow(next2, err, width, -1, below2, 3, 5);
 }
 
 }  // namespace ximakernels

@@ -8,15 +8,23 @@
 
 namespace ximakernels {
 
-// The width of every padded work row: `width` cells plus two spare cells at each end, so that
-// error pushed past the left or right edge lands in a cell nobody reads.
-inline size_t PaddedRow(size_t width) { return width + 4; }
+// The size of every padded work row of the error diffusion, in cells, with cell 0 at offset
+// kPadLeft: two spare cells on the left and eighteen on the right, so that error pushed past an
+// edge lands in a cell nobody reads and the vector loops may run past the last pixel. The error
+// rows have the same shape and must be zero outside the pixels.
+const size_t kPadLeft = 2;
+inline size_t PaddedRow(size_t width) { return width + 20; }
 
 // p[i] = table[p[i]] for n bytes.
 void LutBytes(uint8_t* p, size_t n, const uint8_t* table);
 
-// Grey value (red x 306 + green x 601 + blue x 117) >> 10 of `width` blue-green-red pixels.
-void GrayRow24(const uint8_t* src, uint8_t* dst, size_t width);
+// dst[x] = (red x wr + green x wg + blue x wb + bias) >> shift for `width` blue-green-red pixels;
+// the result must fit a byte. Grey is (306, 601, 117, 0, 10).
+void WeightedRow24(const uint8_t* src, uint8_t* dst, size_t width, int wr, int wg, int wb, int bias, int shift);
+inline void GrayRow24(const uint8_t* src, uint8_t* dst, size_t width)
+{
+    WeightedRow24(src, dst, width, 306, 601, 117, 0, 10);
+}
 
 // 1-bit output row (most significant bit first, `outBytes` bytes with the padding zeroed):
 // pixel x is set when src[x] >= pattern[x % 16]. Every threshold must be 0..255.
@@ -25,9 +33,10 @@ void ThresholdRow(const uint8_t* src, size_t width, const uint8_t pattern[16], u
 
 // Error diffusion of one row in padded work rows (see PaddedRow; the pointers address cell 0).
 // `cur` is the row being decided, `next1` / `next2` the rows above it in the picture that take
-// the spread error; the decisions go to `out` as in ThresholdRow.
-void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, size_t width, uint8_t* out, size_t outBytes);
-void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, size_t width, uint8_t* out,
+// the spread error, `err` scratch for the row's errors; the decisions go to `out` as in
+// ThresholdRow.
+void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, int16_t* err, size_t width, uint8_t* out, size_t outBytes);
+void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, int16_t* err, size_t width, uint8_t* out,
                size_t outBytes);
 
 }  // namespace ximakernels
