@@ -54,7 +54,7 @@ int BayerRule(int level, long x, long y, const BYTE* table)
 }
 
 // Method 4: 8 x 8 matrix on level / 4. The row of the matrix follows x and the column y: the
-// printer's firmware uses the matrix transposed, and the preview must match the paper.
+// transposed use is deliberate and must stay, or the preview stops matching the paper.
 const BYTE kMatrix8[8][8] = {
     {0, 32, 8, 40, 2, 34, 10, 42},  {48, 16, 56, 24, 50, 18, 58, 26},
     {12, 44, 4, 36, 14, 46, 6, 38}, {60, 28, 52, 20, 62, 30, 54, 22},
@@ -161,7 +161,8 @@ long Percent(DWORD row, DWORD height)
 void BuildBrightnessTable(int position, BYTE (&table)[256])
 {
     for (int i = 0; i < 256; i++) {
-        // Computed in single precision and truncated, as the printer's firmware does.
+        // Single precision, truncated toward zero, then clamped: for every position this is
+        // i + 100 - 10 x position held to 0..255.
         const float v = static_cast<float>(i - 128) + static_cast<float>(228 - 10 * position) + 0.5f;
         int t = static_cast<int>(v);
         if (t < 0) t = 0;

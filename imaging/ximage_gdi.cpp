@@ -25,8 +25,9 @@ bool CxImage::CreateFromBitmap(HBITMAP hbmp)
 {
     if (!Destroy()) return false;
     if (hbmp == nullptr) return false;
-    BITMAP bm;
-    if (GetObjectW(hbmp, sizeof bm, &bm) == 0) return false;
+    BITMAP bm = {};
+    // Anything but a bitmap answers with another structure's size.
+    if (GetObjectW(hbmp, sizeof bm, &bm) != static_cast<int>(sizeof bm)) return false;
     if (bm.bmWidth <= 0 || bm.bmHeight <= 0) {
         Create(0, 0, 0, 0);  // stores the width/height message
         return false;
