@@ -103,6 +103,23 @@ void* CxImage::Create(DWORD dwWidth, DWORD dwHeight, DWORD wBpp, DWORD imagetype
         return nullptr;
     }
 
+    // Create does not run Destroy (layers and frames stay), but a block left from an earlier
+    // Create is released rather than leaked, and masks sized for that picture go with it. A view
+    // becomes an image of its own and leaves its owner's blocks alone.
+    if (m_ghost != nullptr) {
+        m_ghost = nullptr;
+        m_dib = nullptr;
+        m_selection = nullptr;
+        m_alpha = nullptr;
+    }
+    delete[] m_dib;
+    m_dib = nullptr;
+    m_bits = nullptr;
+    delete[] m_selection;
+    m_selection = nullptr;
+    delete[] m_alpha;
+    m_alpha = nullptr;
+
     m_type = imagetype;
     m_effWidth = static_cast<DWORD>(stride);
     m_head.biSize = sizeof(BITMAPINFOHEADER);

@@ -110,6 +110,30 @@ TEST(ImageCreate, DepthIsNormalisedAndTheBlockIsAValidBitmapInfo)
     }
 }
 
+TEST(ImageCreate, CreatingAgainReplacesThePictureAndItsMasks)
+{
+    CxImage img;
+    ASSERT_NE(nullptr, img.Create(4, 4, 8, 0));
+    ASSERT_TRUE(img.SelectionCreate());
+    ASSERT_TRUE(img.AlphaCreate());
+    ASSERT_NE(nullptr, img.Create(300, 200, 24, 0));
+    EXPECT_EQ(300u, img.GetWidth());
+    EXPECT_FALSE(img.SelectionIsValid()) << "a 4 x 4 mask does not describe a 300 x 200 picture";
+    EXPECT_FALSE(img.AlphaIsValid());
+    EXPECT_TRUE(img.SelectionIsInside(299, 199));
+
+    CxImage owner;
+    ASSERT_NE(nullptr, owner.Create(3, 3, 8, 0));
+    owner.GetBits()[0] = 42;
+    CxImage view;
+    view.Ghost(owner);
+    ASSERT_NE(nullptr, view.Create(5, 5, 1, 0));
+    EXPECT_FALSE(view.IsGhost());
+    EXPECT_NE(owner.GetDIB(), view.GetDIB());
+    EXPECT_EQ(42, owner.GetPixelIndex(0, 0)) << "the owner keeps its picture";
+    EXPECT_TRUE(view.Destroy());
+}
+
 TEST(ImagePixels, IndexBitOrderAndNibbleOrder)
 {
     CxImage one;
