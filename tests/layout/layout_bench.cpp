@@ -99,13 +99,13 @@ LONG CALLBACK CountCrash(EXCEPTION_POINTERS* info)
 
 bool InstallDevModeDriver(HMODULE module)
 {
-    return bench::PatchImport(module, "winspool.drv", "DocumentPropertiesW",
+    return oemhost::PatchImport(module, "winspool.drv", "DocumentPropertiesW",
                               reinterpret_cast<void*>(WindowsLikeDocumentProperties)) != nullptr;
 }
 
 void UninstallDevModeDriver(HMODULE module)
 {
-    bench::PatchImport(module, "winspool.drv", "DocumentPropertiesW", reinterpret_cast<void*>(RealDocumentProperties()));
+    oemhost::PatchImport(module, "winspool.drv", "DocumentPropertiesW", reinterpret_cast<void*>(RealDocumentProperties()));
 }
 
 int MergeCalls() { return mergeCalls; }

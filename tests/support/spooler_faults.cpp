@@ -122,11 +122,11 @@ bool Install(HMODULE module)
 {
     const char* spool = "winspool.drv";
     bool any = false;
-    any |= bench::PatchImport(module, spool, "OpenPrinterW", reinterpret_cast<void*>(FaultOpenPrinterW)) != nullptr;
-    any |= bench::PatchImport(module, spool, "ClosePrinter", reinterpret_cast<void*>(FaultClosePrinter)) != nullptr;
-    any |= bench::PatchImport(module, spool, "GetPrinterW", reinterpret_cast<void*>(FaultGetPrinterW)) != nullptr;
-    any |= bench::PatchImport(module, spool, "SetPrinterW", reinterpret_cast<void*>(FaultSetPrinterW)) != nullptr;
-    any |= bench::PatchImport(module, spool, "SetPrinterDataExW", reinterpret_cast<void*>(FaultSetPrinterDataExW)) !=
+    any |= oemhost::PatchImport(module, spool, "OpenPrinterW", reinterpret_cast<void*>(FaultOpenPrinterW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "ClosePrinter", reinterpret_cast<void*>(FaultClosePrinter)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "GetPrinterW", reinterpret_cast<void*>(FaultGetPrinterW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "SetPrinterW", reinterpret_cast<void*>(FaultSetPrinterW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "SetPrinterDataExW", reinterpret_cast<void*>(FaultSetPrinterDataExW)) !=
            nullptr;
     return any;
 }

@@ -17,6 +17,44 @@ int enumFailures = 0;
 DWORD enumError = 0;
 int setFailures = 0;
 DWORD setError = 0;
+std::wstring persistKey;   // empty: the forms live in this process only
+
+struct StoredSize {
+    SIZEL size;
+    RECTL area;
+};
+
+// Rewrites the user forms under persistKey; called with the lock held after every change.
+void SaveLocked()
+{
+    if (persistKey.empty()) return;
+    RegDeleteTreeW(HKEY_CURRENT_USER, persistKey.c_str());
+    HKEY key = nullptr;
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, persistKey.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr) !=
+        ERROR_SUCCESS)
+        return;
+    for (const Form& f : users) {
+        const StoredSize stored = { f.size, f.area };
+        RegSetValueExW(key, f.name.c_str(), 0, REG_BINARY, reinterpret_cast<const BYTE*>(&stored), sizeof stored);
+    }
+    RegCloseKey(key);
+}
+
+void LoadPersistedLocked()
+{
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, persistKey.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return;
+    for (DWORD i = 0;; ++i) {
+        WCHAR name[256];
+        DWORD nameChars = 256, type = 0, bytes = sizeof(StoredSize);
+        StoredSize stored = {};
+        if (RegEnumValueW(key, i, name, &nameChars, nullptr, &type, reinterpret_cast<BYTE*>(&stored), &bytes) !=
+            ERROR_SUCCESS)
+            break;
+        if (type == REG_BINARY && bytes == sizeof stored) users.push_back({ name, stored.size, stored.area, FORM_USER });
+    }
+    RegCloseKey(key);
+}
 
 using EnumFormsFn = BOOL(WINAPI*)(HANDLE, DWORD, LPBYTE, DWORD, LPDWORD, LPDWORD);
 
@@ -102,6 +140,7 @@ BOOL WINAPI StoreAddFormW(HANDLE printer, DWORD level, LPBYTE form)
     bool builtin = false;
     if (FindLocked(f->pName, &builtin) != nullptr) return Fail(ERROR_FILE_EXISTS);
     users.push_back({ f->pName, f->Size, f->ImageableArea, FORM_USER });
+    SaveLocked();
     return TRUE;
 }
 
@@ -125,6 +164,7 @@ BOOL WINAPI StoreSetFormW(HANDLE printer, LPWSTR name, DWORD level, LPBYTE form)
     if (!ValidSize(*f)) return Fail(ERROR_INVALID_FORM_SIZE);
     existing->size = f->Size;
     existing->area = f->ImageableArea;
+    SaveLocked();
     return TRUE;
 }
 
@@ -140,6 +180,7 @@ BOOL WINAPI StoreDeleteFormW(HANDLE printer, LPWSTR name)
     if (existing == nullptr) return Fail(ERROR_INVALID_FORM_NAME);
     if (builtin) return Fail(ERROR_INVALID_PARAMETER);
     users.erase(users.begin() + (existing - users.data()));
+    SaveLocked();
     return TRUE;
 }
 
@@ -190,18 +231,30 @@ bool Install(HMODULE module)
 {
     const char* spool = "winspool.drv";
     bool any = false;
-    any |= bench::PatchImport(module, spool, "AddFormW", reinterpret_cast<void*>(StoreAddFormW)) != nullptr;
-    any |= bench::PatchImport(module, spool, "SetFormW", reinterpret_cast<void*>(StoreSetFormW)) != nullptr;
-    any |= bench::PatchImport(module, spool, "DeleteFormW", reinterpret_cast<void*>(StoreDeleteFormW)) != nullptr;
-    any |= bench::PatchImport(module, spool, "GetFormW", reinterpret_cast<void*>(StoreGetFormW)) != nullptr;
-    any |= bench::PatchImport(module, spool, "EnumFormsW", reinterpret_cast<void*>(StoreEnumFormsW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "AddFormW", reinterpret_cast<void*>(StoreAddFormW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "SetFormW", reinterpret_cast<void*>(StoreSetFormW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "DeleteFormW", reinterpret_cast<void*>(StoreDeleteFormW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "GetFormW", reinterpret_cast<void*>(StoreGetFormW)) != nullptr;
+    any |= oemhost::PatchImport(module, spool, "EnumFormsW", reinterpret_cast<void*>(StoreEnumFormsW)) != nullptr;
     return any;
+}
+
+bool InstallPersistent(HMODULE module, const std::wstring& registryKey)
+{
+    {
+        std::lock_guard<std::mutex> guard(lock);
+        persistKey = registryKey;
+        users.clear();
+        LoadPersistedLocked();
+    }
+    return Install(module);
 }
 
 void Reset()
 {
     std::lock_guard<std::mutex> guard(lock);
     users.clear();
+    SaveLocked();
     calls = Calls();
     enumFailures = setFailures = 0;
 }

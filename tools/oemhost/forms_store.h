@@ -1,4 +1,4 @@
-// A forms store with Windows semantics for tests. Wine's spooler only pretends to keep forms
+// A forms store with Windows semantics for tests and the demo. Wine's spooler only pretends to keep forms
 // (AddFormW answers TRUE and stores nothing, GetFormW/SetFormW fail), so tests that need user
 // forms route a module's forms imports (AddFormW, SetFormW, DeleteFormW, GetFormW, EnumFormsW)
 // here instead:
@@ -32,6 +32,11 @@ struct Form {
 
 // Routes `module`'s forms imports to the store; false when the module imports none of them.
 bool Install(HMODULE module);
+// The same, and the user forms live on in HKEY_CURRENT_USER\<registryKey> (one binary value of
+// size and imageable area per form), so that several processes of one Wine prefix share them as they
+// would share the spooler's forms: the main job installs the printer in one process and opens its
+// sheets in others.
+bool InstallPersistent(HMODULE module, const std::wstring& registryKey);
 // Removes every user form and clears the counters and planned faults.
 void Reset();
 // Built-in forms first, then user forms in the order they were added (as EnumFormsW lists them).

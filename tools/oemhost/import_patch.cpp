@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace bench {
+namespace oemhost {
 
 void* PatchImport(HMODULE module, const char* dll, const char* function, void* replacement)
 {
@@ -35,4 +35,4 @@ void* PatchImport(HMODULE module, const char* dll, const char* function, void* r
     return nullptr;
 }
 
-}  // namespace bench
+}  // namespace oemhost

@@ -4,11 +4,11 @@
 
 #include <windows.h>
 
-namespace bench {
+namespace oemhost {
 
 // Points `module`'s import-table entry for `function` (imported from `dll`, compared without
 // regard to case) at `replacement`. Returns the address it held before, or null when the module
 // does not import that function.
 void* PatchImport(HMODULE module, const char* dll, const char* function, void* replacement);
 
-}  // namespace bench
+}  // namespace oemhost

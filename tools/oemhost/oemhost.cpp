@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "forms_store.h"
 #include "host.h"
 #include "printer_setup.h"
 
@@ -94,7 +95,12 @@ bool CaptureTemplate(HWND owner, HMODULE plugin, WORD templateId, const std::wst
 
 bool LoadHost(oemhost::DriverCoreHost& host)
 {
-    if (host.Load(PluginPath())) return true;
+    if (host.Load(PluginPath())) {
+        // Wine's spooler only pretends to keep paper forms; the stand-in keeps them for the plug-in
+        // instead, in the prefix's registry, so the forms an install adds show in later sheets.
+        forms::InstallPersistent(GetModuleHandleW(L"UIQVRPOS.dll"), L"Software\\ORLIVEX\\oemhost\\Forms");
+        return true;
+    }
     fwprintf(stderr, L"oemhost: %ls\n", host.Error().c_str());
     return false;
 }
