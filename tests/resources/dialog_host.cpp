@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace dialogs {
 
@@ -75,6 +76,24 @@ static bool FaceHasGlyph(const wchar_t* face, wchar_t ch)
     return glyph != 0xffff;
 }
 
+// The face GDI really uses for a requested one (without a substitute in place).
+static std::wstring ResolvedFace(const wchar_t* face)
+{
+    HDC dc = CreateCompatibleDC(nullptr);
+    LOGFONTW lf = {};
+    lf.lfHeight = -11;
+    lf.lfCharSet = DEFAULT_CHARSET;
+    lstrcpynW(lf.lfFaceName, face, LF_FACESIZE);
+    HFONT font = CreateFontIndirectW(&lf);
+    HGDIOBJ old = SelectObject(dc, font);
+    wchar_t used[LF_FACESIZE] = {};
+    GetTextFaceW(dc, LF_FACESIZE, used);
+    SelectObject(dc, old);
+    DeleteObject(font);
+    DeleteDC(dc);
+    return used;
+}
+
 bool CjkFacesRender()
 {
     for (const wchar_t* face : kCjkFaces)
@@ -106,12 +125,23 @@ bool SubstituteCjkFaces()
     ReleaseDC(nullptr, dc);
     if (target.empty()) return false;
     HKEY key;
+    // Wine links its missing Tahoma (behind "MS Shell Dlg") to the CJK faces: once these exist,
+    // Latin pages would be drawn with the CJK font, which lacks letters such as ő and ą. Pin the
+    // Western faces to what they resolve to now.
+    std::vector<std::pair<std::wstring, std::wstring>> pins;
+    for (const wchar_t* face : {L"Tahoma", L"MS Sans Serif", L"Microsoft Sans Serif"}) {
+        std::wstring now = ResolvedFace(face);
+        if (!now.empty() && lstrcmpiW(now.c_str(), face) != 0) pins.emplace_back(face, now);
+    }
     if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\Windows NT\\CurrentVersion\\FontSubstitutes", 0,
                         nullptr, 0, KEY_SET_VALUE, nullptr, &key, nullptr) != ERROR_SUCCESS)
         return false;
     for (const wchar_t* face : kCjkFaces)
         RegSetValueExW(key, face, 0, REG_SZ, reinterpret_cast<const BYTE*>(target.c_str()),
                        static_cast<DWORD>((target.size() + 1) * sizeof(wchar_t)));
+    for (const auto& pin : pins)
+        RegSetValueExW(key, pin.first.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(pin.second.c_str()),
+                       static_cast<DWORD>((pin.second.size() + 1) * sizeof(wchar_t)));
     RegCloseKey(key);
     return true;
 }

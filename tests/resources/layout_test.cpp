@@ -217,6 +217,12 @@ std::string Describe(HWND control)
     return "control " + std::to_string(GetDlgCtrlID(control)) + " \"" + Narrow(TextOf(control)) + "\"";
 }
 
+std::string Where(const RECT& r)
+{
+    return "(" + std::to_string(r.left) + "," + std::to_string(r.top) + ")-(" + std::to_string(r.right) + "," +
+           std::to_string(r.bottom) + ")";
+}
+
 // Room the text of a control needs, measured with the control's own font as the control draws it.
 struct Fit {
     bool fits;
@@ -469,7 +475,8 @@ TEST_F(Templates, NoTwoVisibleControlsOverlap)
                 const bool aHoldsB = IsGroupBox(controls[i]) && EqualRect(&onlyB, &a);
                 UnionRect(&onlyA, &a, &b);
                 const bool bHoldsA = IsGroupBox(controls[j]) && EqualRect(&onlyA, &b);
-                EXPECT_TRUE(aHoldsB || bHoldsA) << Describe(controls[i]) << " overlaps " << Describe(controls[j]);
+                EXPECT_TRUE(aHoldsB || bHoldsA) << Describe(controls[i]) << " at " << Where(a) << " overlaps "
+                                                << Describe(controls[j]) << " at " << Where(b);
             }
         }
     });
