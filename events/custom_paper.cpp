@@ -59,15 +59,7 @@ void ImportPaperLine(HANDLE hPrinter, const WCHAR* line, const WCHAR* formId)
     Log("SetCustomPaper : paper_width :%d", width);
     Log("SetCustomPaper : paper_height :%d", height);
 
-    FORM_INFO_1W form = {};
-    form.Flags = FORM_USER;
-    form.pName = formName;
-    form.Size.cx = width;
-    form.Size.cy = height;
-    form.ImageableArea.left = 0;
-    form.ImageableArea.top = 0;
-    form.ImageableArea.right = width;
-    form.ImageableArea.bottom = height;
+    FORM_INFO_1W form = UserForm(formName, width, height);
     AddOrReplaceForm(hPrinter, formName, form);
 }
 

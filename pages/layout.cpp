@@ -444,10 +444,8 @@ void Layout_OnNotify(HWND hDlg, DIALOGINFO* lpdi, const NMHDR* header)
 // The number in an edit as the ANSI run-time's atoi reads it: leading digits, none reads as 0.
 int ReadEditNumber(HWND hDlg, int id)
 {
-    WCHAR wide[257] = L"";
-    GetDlgItemTextW(hDlg, id, wide, 256);
-    char narrow[520] = "";
-    WideCharToMultiByte(CP_ACP, 0, wide, -1, narrow, sizeof narrow - 1, nullptr, nullptr);
+    char narrow[520];
+    GetEditTextAnsi(hDlg, id, narrow);
     return atoi(narrow);
 }
 

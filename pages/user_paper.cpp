@@ -9,6 +9,7 @@
 
 #include "oemui/handles.h"
 #include "oemui/log.h"
+#include "pages/pages.h"
 #include "resources/resource.h"
 #include "settings/printer_data.h"
 
@@ -42,10 +43,8 @@ void CurrentFormId(DIALOGINFO* lpdi, WCHAR (&formId)[260])
 // optional fraction; anything else ends it, and no number at all reads as 0.
 double ReadMillimetres(HWND hDlg, int id)
 {
-    WCHAR wide[257] = L"";
-    GetDlgItemTextW(hDlg, id, wide, 256);
-    char narrow[520] = "";
-    WideCharToMultiByte(CP_ACP, 0, wide, -1, narrow, sizeof narrow - 1, nullptr, nullptr);
+    char narrow[520];
+    GetEditTextAnsi(hDlg, id, narrow);
     return atof(narrow);
 }
 
@@ -373,15 +372,7 @@ void Utility_SaveForm(HWND hDlg, DIALOGINFO* lpdi)
     if (!ImageWidthChecked(hDlg)) width = static_cast<LONG>(width * kImageShare);
     const LONG length = static_cast<LONG>(ReadMillimetres(hDlg, IDE_PAPER_LENGTH) * 1000);
 
-    FORM_INFO_1W form = {};
-    form.Flags = FORM_USER;
-    form.pName = fullName;
-    form.Size.cx = width;
-    form.Size.cy = length;
-    form.ImageableArea.left = 0;
-    form.ImageableArea.top = 0;
-    form.ImageableArea.right = width;
-    form.ImageableArea.bottom = length;
+    FORM_INFO_1W form = UserForm(fullName, width, length);
 
     bool updated = false;
     if (!AddFormW(lpdi->hPrinter, 1, reinterpret_cast<BYTE*>(&form))) {

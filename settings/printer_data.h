@@ -32,6 +32,19 @@ BOOL GetFormID(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length);
 // "Roll 80 x 297 mm[R80]" gives "Roll 80 x 297 mm".
 BOOL GetFormDefaultWidthHeight(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length);
 
+// A user form of the given size (thousandths of a millimetre) whose imageable area is all of it.
+inline FORM_INFO_1W UserForm(WCHAR* name, LONG width, LONG length)
+{
+    FORM_INFO_1W form = {};
+    form.Flags = FORM_USER;
+    form.pName = name;
+    form.Size.cx = width;
+    form.Size.cy = length;
+    form.ImageableArea.right = width;
+    form.ImageableArea.bottom = length;
+    return form;
+}
+
 // Opens a printer by name with full access, as OpenPrinterFullAccess does, except that a null or
 // empty name fails (ERROR_INVALID_PRINTER_NAME) instead of opening the print server itself.
 BOOL OpenPrinterByName(const WCHAR* printerName, ScopedPrinter& printer);
