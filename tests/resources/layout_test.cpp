@@ -135,7 +135,8 @@ const std::vector<TemplateControls>& Expectations()
             {IDT_HIDDEN_PRN_LANG_KOREAN, Kind::Hidden}, {IDT_HIDDEN_PRN_LANG_JAPANESE, Kind::Hidden},
             {IDT_HIDDEN_PRN_LANG_CHINESE_S, Kind::Hidden}, {IDT_HIDDEN_PRN_LANG_CHINESE_T, Kind::Hidden}}},
         {IDD_ABOUT, "Version", true, {
-            {IDE_ABOUT_DRIVER, Kind::Edit}, {IDE_ABOUT_COPYRIGHT, Kind::Edit}}},
+            {IDE_ABOUT_DRIVER, Kind::Edit}, {IDE_ABOUT_COPYRIGHT, Kind::Edit}, {IDF_ABOUT_FRAME1, Kind::Frame},
+            {IDF_ABOUT_FRAME2, Kind::Frame}}},
         {IDD_DITHER, "Dithering", true, {
             {IDR_DITHER_MONOCHROME, Kind::Radio}, {IDR_DITHER_GREYSCALE, Kind::Radio}, {IDF_DITHER_PREVIEW, Kind::Frame},
             {IDR_DITHER_NONE, Kind::Radio}, {IDR_DITHER_ERROR_DIFFUSION, Kind::Radio}, {IDR_DITHER_ORDERED, Kind::Radio},
