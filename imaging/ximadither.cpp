@@ -403,40 +403,46 @@ bool CxImage::Dither(long method)
         }
         delete[] bayer;
     } else {
-        // Error diffusion in three padded work rows that take turns: the row being decided and
-        // the one or two rows above it in the picture that its error flows into. Error pushed
-        // past an edge lands in the padding and is lost.
+        // Error diffusion in padded work rows that take turns: the rows being decided and the
+        // rows above them in the picture that their error flows into (slot r % n holds picture
+        // row r). Error pushed past an edge lands in the padding and is lost. Floyd-Steinberg
+        // decides rows two at a time where there are two left.
         const bool floyd = method == 1;
+        const DWORD n = 3;
         const size_t padded = ximakernels::PaddedRow(width);
-        BYTE* work = new (std::nothrow) BYTE[3 * padded];
-        int16_t* errors = new (std::nothrow) int16_t[padded];
-        if (work == nullptr || errors == nullptr) {
-            delete[] work;
-            delete[] errors;
+        const size_t pad = ximakernels::kPadLeft;
+        BYTE* work = new (std::nothrow) BYTE[(n + 2) * padded];
+        if (work == nullptr) {
             SetLastError(kMsgAlloc);
             return false;
         }
-        memset(work, 0, 3 * padded);
-        memset(errors, 0, padded * sizeof *errors);
-        const size_t pad = ximakernels::kPadLeft;
-        BYTE* rows[3] = {work + pad, work + padded + pad, work + 2 * padded + pad};
-        int16_t* err = errors + pad;
-        const DWORD ahead = floyd ? 2 : 3;
-        for (DWORD r = 0; r < ahead && r < height; r++) memcpy(rows[r], GetBits(r), width);
-        for (; y < height; y++) {
+        memset(work, 0, (n + 2) * padded);
+        BYTE* levelsA = work + n * padded + pad;
+        BYTE* levelsB = work + (n + 1) * padded + pad;
+        auto slot = [&](DWORD row) { return work + (row % n) * padded + pad; };
+        for (DWORD r = 0; r < n && r < height; r++) memcpy(slot(r), GetBits(r), width);
+        while (y < height) {
             m_progress = Percent(y, height);
             if (m_escape) break;
-            BYTE* out = tmp.GetBits(y);
-            if (floyd) {
-                ximakernels::FloydSteinbergRow(rows[y % 2], rows[(y + 1) % 2], err, width, out, outBytes);
-                if (y + 2 < height) memcpy(rows[y % 2], GetBits(y + 2), width);
-            } else {
-                ximakernels::SierraRow(rows[y % 3], rows[(y + 1) % 3], rows[(y + 2) % 3], err, width, out, outBytes);
-                if (y + 3 < height) memcpy(rows[y % 3], GetBits(y + 3), width);
+            bool pair = false;
+            if (floyd && y + 1 < height) {
+                m_progress = Percent(y + 1, height);
+                pair = m_escape == 0;
             }
+            BYTE* out = tmp.GetBits(y);
+            if (floyd && pair)
+                ximakernels::FloydSteinbergRowPair(slot(y), slot(y + 1), slot(y + 2), levelsA, levelsB, width, out,
+                                                   tmp.GetBits(y + 1), outBytes);
+            else if (floyd)
+                ximakernels::FloydSteinbergRow(slot(y), slot(y + 1), levelsA, width, out, outBytes);
+            else
+                ximakernels::SierraRow(slot(y), slot(y + 1), slot(y + 2), levelsA, width, out, outBytes);
+            const DWORD done = pair ? 2 : 1;
+            for (DWORD k = 0; k < done; k++)
+                if (y + k + n < height) memcpy(slot(y + k), GetBits(y + k + n), width);
+            y += done;
         }
         delete[] work;
-        delete[] errors;
     }
     for (; y < height; y++) memset(tmp.GetBits(y), 0, outBytes);
 

@@ -28,34 +28,36 @@ struct BitReverse {
 };
 constexpr BitReverse kReverse;
 
-// Per grey level: the error the level leaves (level > 128 prints white and leaves level - 255,
-// anything else prints black and leaves the level itself) already divided into the shares each
-// neighbour receives. C++ division truncates toward zero, as the shares must.
+// The error a decided level leaves: level > 128 prints white and leaves level - 255, anything
+// else prints black and leaves the level itself.
+constexpr int ErrorOf(int level) { return level > 128 ? level - 255 : level; }
+
+// Per grey level, the error already divided into the shares the neighbours receive. C++ division
+// truncates toward zero, as the shares must.
 struct FsShares {
-    int16_t error[256];
-    int8_t right7[256];
-    constexpr FsShares() : error(), right7()
+    int8_t right7[256], below1[256], below5[256], below3[256];
+    constexpr FsShares() : right7(), below1(), below5(), below3()
     {
         for (int level = 0; level < 256; level++) {
-            const int err = level > 128 ? level - 255 : level;
-            error[level] = static_cast<int16_t>(err);
-            right7[level] = static_cast<int8_t>(err * 7 / 16);
+            right7[level] = static_cast<int8_t>(ErrorOf(level) * 7 / 16);
+            below1[level] = static_cast<int8_t>(ErrorOf(level) * 1 / 16);
+            below5[level] = static_cast<int8_t>(ErrorOf(level) * 5 / 16);
+            below3[level] = static_cast<int8_t>(ErrorOf(level) * 3 / 16);
         }
     }
 };
 constexpr FsShares kFs;
 
-// Three-row diffusion, weights out of 32; the decision pass needs the two shares along the row.
+// Three-row diffusion, weights out of 32.
 struct SierraShares {
-    int16_t error[256];
-    int8_t w3[256], w5[256];
-    constexpr SierraShares() : error(), w3(), w5()
+    int8_t w2[256], w3[256], w4[256], w5[256];
+    constexpr SierraShares() : w2(), w3(), w4(), w5()
     {
         for (int level = 0; level < 256; level++) {
-            const int err = level > 128 ? level - 255 : level;
-            error[level] = static_cast<int16_t>(err);
-            w3[level] = static_cast<int8_t>(err * 3 / 32);
-            w5[level] = static_cast<int8_t>(err * 5 / 32);
+            w2[level] = static_cast<int8_t>(ErrorOf(level) * 2 / 32);
+            w3[level] = static_cast<int8_t>(ErrorOf(level) * 3 / 32);
+            w4[level] = static_cast<int8_t>(ErrorOf(level) * 4 / 32);
+            w5[level] = static_cast<int8_t>(ErrorOf(level) * 5 / 32);
         }
     }
 };
@@ -182,25 +184,38 @@ void ThresholdRow(const uint8_t* src, size_t width, const uint8_t pattern[16], u
 
 namespace {
 
-// Pass two of the error diffusion: the rows above take their shares. A cell takes the shares of
-// the pixels below-left to below-right of it in the order those pixels were decided, each share
-// (error x weight / divisor, truncated toward zero) added and clamped on its own, which is what a
-// pixel-by-pixel walk does to it. Unlike the decisions, cells do not depend on one another, so
-// eight go at a time. `err` holds the row's errors with zeros around them; `first` is the offset
-// of the leftmost contributing pixel (-2 .. 0) and `weights` / `count` the shares in order.
-void SpreadRow(uint8_t* row, const int16_t* err, size_t width, int first, const int* weights, int count, int shift)
+// Error diffusion in two passes. Pass one decides a row: each pixel depends on the one before it
+// through the share it receives along the row, a short serial chain kept in registers; the
+// decided levels are kept. Pass two (SpreadRow) gives the rows above their shares. A cell takes
+// the shares of the pixels below-left to below-right of it in the order those pixels were
+// decided, each share (error x weight / divisor, truncated toward zero) added and clamped on its
+// own, which is what a pixel-by-pixel walk does to it. Unlike the decisions, cells do not depend
+// on one another, so eight go at a time.
+//
+// The Floyd-Steinberg pair kernel decides two rows at once to keep two independent chains in
+// flight: the upper row runs a few pixels behind the lower one and works out each of its cells'
+// values from the lower row's decided levels just before it needs them. (For the three-row
+// diffusion the five shares per cell make the pair slower than two single rows.)
+//
+// `levels` rows have the shape of the work rows with zeros around the pixels; level 0 leaves no
+// error, so the edges need no tests. `first` is the offset of the leftmost contributing pixel
+// (-2 .. 0) and `weights` / `count` the shares in the order they arrive.
+void SpreadRow(uint8_t* row, const uint8_t* levels, size_t width, int first, const int* weights, int count,
+               int shift)
 {
     size_t j = 0;
 #if defined(__SSE2__)
-    const __m128i zero = _mm_setzero_si128(), top = _mm_set1_epi16(255);
+    const __m128i zero = _mm_setzero_si128(), top = _mm_set1_epi16(255), half = _mm_set1_epi16(128);
     const __m128i bias = _mm_set1_epi16(static_cast<short>((1 << shift) - 1));
     const __m128i vShift = _mm_cvtsi32_si128(shift);
     __m128i w[5];
     for (int k = 0; k < count; k++) w[k] = _mm_set1_epi16(static_cast<short>(weights[k]));
-    for (; j < width; j += 8) {  // the rows and errors have room for the last block's overrun
+    for (; j < width; j += 8) {  // the rows have room for the last block's overrun
         __m128i v = _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row + j)), zero);
         for (int k = 0; k < count; k++) {
-            const __m128i e = _mm_loadu_si128(reinterpret_cast<const __m128i*>(err + ptrdiff_t(j) + first + k));
+            const __m128i l = _mm_unpacklo_epi8(
+                _mm_loadl_epi64(reinterpret_cast<const __m128i*>(levels + ptrdiff_t(j) + first + k)), zero);
+            const __m128i e = _mm_sub_epi16(l, _mm_and_si128(_mm_cmpgt_epi16(l, half), top));
             const __m128i m = _mm_mullo_epi16(e, w[k]);
             const __m128i share = _mm_sra_epi16(_mm_add_epi16(m, _mm_and_si128(_mm_srai_epi16(m, 15), bias)), vShift);
             v = _mm_min_epi16(_mm_max_epi16(_mm_add_epi16(v, share), zero), top);
@@ -210,33 +225,79 @@ void SpreadRow(uint8_t* row, const int16_t* err, size_t width, int first, const 
 #endif
     for (; j < width; j++) {
         int v = row[j];
-        for (int k = 0; k < count; k++) v = Clamp(v + err[ptrdiff_t(j) + first + k] * weights[k] / (1 << shift));
+        for (int k = 0; k < count; k++) v = Clamp(v + ErrorOf(levels[ptrdiff_t(j) + first + k]) * weights[k] / (1 << shift));
         row[j] = static_cast<uint8_t>(v);
     }
 }
 
+const int kFsBelow[3] = {1, 5, 3};            // from x-1, x, x+1
+const int kSierraBelow1[5] = {2, 4, 5, 4, 2};  // from x-2 .. x+2
+const int kSierraBelow2[3] = {2, 3, 2};        // from x-1 .. x+1
+
+// One decided pixel: its bit into the row's output byte.
+inline void PutBit(uint8_t* out, ptrdiff_t x, unsigned& acc, int level)
+{
+    acc = (acc << 1) | (level > 128 ? 1u : 0u);
+    if ((x & 7) == 7) out[x >> 3] = static_cast<uint8_t>(acc);
+}
+
 }  // namespace
 
-void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, int16_t* err, size_t width, uint8_t* out, size_t outBytes)
+void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, uint8_t* levels, size_t width, uint8_t* out, size_t outBytes)
 {
-    // Pass one decides the row: each pixel depends on the one before it through its 7/16 share,
-    // so this is a short serial chain kept in a register. The errors are kept for pass two.
     int c = cur[0];
     unsigned acc = 0;
     const ptrdiff_t w = static_cast<ptrdiff_t>(width);
     for (ptrdiff_t x = 0; x < w; x++) {
         const int level = c;
-        acc = (acc << 1) | (level > 128 ? 1u : 0u);
-        if ((x & 7) == 7) out[x >> 3] = static_cast<uint8_t>(acc);
-        err[x] = kFs.error[level];
+        PutBit(out, x, acc, level);
+        levels[x] = static_cast<uint8_t>(level);
         c = Clamp(cur[x + 1] + kFs.right7[level]);
     }
     FlushBits(out, width, acc, outBytes);
-    static const int below[3] = {1, 5, 3};  // from x-1, x, x+1
-    SpreadRow(next1, err, width, -1, below, 3, 4);
+    SpreadRow(next1, levels, width, -1, kFsBelow, 3, 4);
 }
 
-void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, int16_t* err, size_t width, uint8_t* out,
+void FloydSteinbergRowPair(uint8_t* rowA, uint8_t* rowB, uint8_t* rowC, uint8_t* levelsA, uint8_t* levelsB,
+                           size_t width, uint8_t* outA, uint8_t* outB, size_t outBytes)
+{
+    const ptrdiff_t w = static_cast<ptrdiff_t>(width);
+    const uint8_t* la = levelsA;
+    // Cell j of row B once row A's pixels j-1, j and j+1 are decided.
+    auto cellB = [&](ptrdiff_t j) {
+        int v = Clamp(rowB[j] + kFs.below1[la[j - 1]]);
+        v = Clamp(v + kFs.below5[la[j]]);
+        return Clamp(v + kFs.below3[la[j + 1]]);
+    };
+    int cA = rowA[0], cB = 0;
+    unsigned accA = 0, accB = 0;
+    auto stepA = [&](ptrdiff_t x) {
+        const int level = cA;
+        PutBit(outA, x, accA, level);
+        levelsA[x] = static_cast<uint8_t>(level);
+        cA = Clamp(rowA[x + 1] + kFs.right7[level]);
+    };
+    auto stepB = [&](ptrdiff_t x) {
+        const int level = cB;
+        PutBit(outB, x, accB, level);
+        levelsB[x] = static_cast<uint8_t>(level);
+        cB = Clamp(cellB(x + 1) + kFs.right7[level]);
+    };
+    const ptrdiff_t lead = w < 3 ? w : 3;  // row B's step x needs row A up to x + 2
+    ptrdiff_t xA = 0, xB = 0;
+    for (; xA < lead; xA++) stepA(xA);
+    cB = cellB(0);
+    for (; xA < w; xA++, xB++) {
+        stepA(xA);
+        stepB(xB);
+    }
+    for (; xB < w; xB++) stepB(xB);
+    FlushBits(outA, width, accA, outBytes);
+    FlushBits(outB, width, accB, outBytes);
+    SpreadRow(rowC, levelsB, width, -1, kFsBelow, 3, 4);
+}
+
+void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, uint8_t* levels, size_t width, uint8_t* out,
                size_t outBytes)
 {
     int c0 = cur[0], c1 = cur[1];  // this pixel, and the next one with its share from the one before
@@ -244,17 +305,14 @@ void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, int16_t* err, size_
     const ptrdiff_t w = static_cast<ptrdiff_t>(width);
     for (ptrdiff_t x = 0; x < w; x++) {
         const int level = c0;
-        acc = (acc << 1) | (level > 128 ? 1u : 0u);
-        if ((x & 7) == 7) out[x >> 3] = static_cast<uint8_t>(acc);
-        err[x] = kSierra.error[level];
+        PutBit(out, x, acc, level);
+        levels[x] = static_cast<uint8_t>(level);
         c0 = Clamp(c1 + kSierra.w5[level]);
         c1 = Clamp(cur[x + 2] + kSierra.w3[level]);
     }
     FlushBits(out, width, acc, outBytes);
-    static const int below1[5] = {2, 4, 5, 4, 2};  // from x-2 .. x+2
-    static const int below2[3] = {2, 3, 2};        // from x-1 .. x+1
-    SpreadRow(next1, err, width, -2, below1, 5, 5);
-    SpreadRow(next2, err, width, -1, below2, 3, 5);
+    SpreadRow(next1, levels, width, -2, kSierraBelow1, 5, 5);
+    SpreadRow(next2, levels, width, -1, kSierraBelow2, 3, 5);
 }
 
 }  // namespace ximakernels

@@ -10,8 +10,8 @@ namespace ximakernels {
 
 // The size of every padded work row of the error diffusion, in cells, with cell 0 at offset
 // kPadLeft: two spare cells on the left and eighteen on the right, so that error pushed past an
-// edge lands in a cell nobody reads and the vector loops may run past the last pixel. The error
-// rows have the same shape and must be zero outside the pixels.
+// edge lands in a cell nobody reads and the vector loops may run past the last pixel. The rows of
+// decided levels have the same shape and must be zero outside the pixels.
 const size_t kPadLeft = 2;
 inline size_t PaddedRow(size_t width) { return width + 20; }
 
@@ -31,12 +31,15 @@ inline void GrayRow24(const uint8_t* src, uint8_t* dst, size_t width)
 void ThresholdRow(const uint8_t* src, size_t width, const uint8_t pattern[16], uint8_t* out,
                   size_t outBytes);
 
-// Error diffusion of one row in padded work rows (see PaddedRow; the pointers address cell 0).
-// `cur` is the row being decided, `next1` / `next2` the rows above it in the picture that take
-// the spread error, `err` scratch for the row's errors; the decisions go to `out` as in
-// ThresholdRow.
-void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, int16_t* err, size_t width, uint8_t* out, size_t outBytes);
-void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, int16_t* err, size_t width, uint8_t* out,
+// Error diffusion in padded work rows (see PaddedRow; the pointers address cell 0). The row kernels
+// decide `cur` and spread its error into the one (Floyd-Steinberg) or two (three-row diffusion)
+// rows above it in the picture; the pair kernel decides `rowA` and the row above it, `rowB`, and
+// spreads into `rowC` above those. `levels` rows are scratch for the decided levels. The
+// decisions go to `out` rows as in ThresholdRow.
+void FloydSteinbergRow(uint8_t* cur, uint8_t* next1, uint8_t* levels, size_t width, uint8_t* out, size_t outBytes);
+void FloydSteinbergRowPair(uint8_t* rowA, uint8_t* rowB, uint8_t* rowC, uint8_t* levelsA, uint8_t* levelsB,
+                           size_t width, uint8_t* outA, uint8_t* outB, size_t outBytes);
+void SierraRow(uint8_t* cur, uint8_t* next1, uint8_t* next2, uint8_t* levels, size_t width, uint8_t* out,
                size_t outBytes);
 
 }  // namespace ximakernels
