@@ -16,6 +16,7 @@ export WINEPREFIX="$prefix" WINEDEBUG=-all
 tour() {
   local winshots
   winshots=$(winepath -w "$shots")
+  wine "$host" prepare-fonts
   wine "$host" install "$printer" "ORLIVEX QM-101" "80 x 297 mm[R80]"
   # language tag, Wine locale (it sets Wine's user-interface language), page-language index
   while read -r tag locale index; do

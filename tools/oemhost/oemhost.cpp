@@ -4,6 +4,7 @@
 //   oemhost document PRINTER [options]         Printing Preferences
 //   oemhost device   PRINTER [options]         Printer Properties
 //   oemhost event    PRINTER NUMBER            PrinterEvent with that event number
+//   oemhost prepare-fonts                      CJK font substitutes for this Wine prefix
 //
 // Sheet options: --screenshots DIR (a PNG of every page, then the sheet is cancelled),
 // --name PREFIX (file name prefix of the screenshots), --language-index N (store N as the page
@@ -14,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "fonts.h"
 #include "forms_store.h"
 #include "host.h"
 #include "printer_setup.h"
@@ -34,7 +36,8 @@ int Usage()
     fwprintf(stderr, L"usage: oemhost install PRINTER [MODEL [MEDIA]]\n"
                      L"       oemhost document|device PRINTER [--screenshots DIR] [--name PREFIX] "
                      L"[--language-index N] [--ok]\n"
-                     L"       oemhost event PRINTER NUMBER\n");
+                     L"       oemhost event PRINTER NUMBER\n"
+                     L"       oemhost prepare-fonts\n");
     return 2;
 }
 
@@ -199,6 +202,11 @@ int RunSheet(oemhost::SheetKind kind, const std::wstring& printer, const std::ve
 
 int wmain(int argc, wchar_t** argv)
 {
+    if (argc == 2 && std::wstring(argv[1]) == L"prepare-fonts") {
+        const bool ready = oemhost::CjkFacesRender() || oemhost::SubstituteCjkFaces();
+        wprintf(L"oemhost: CJK fonts %ls\n", ready ? L"ready" : L"not available (install a CJK font package)");
+        return ready ? 0 : 1;
+    }
     if (argc < 3) return Usage();
     const std::wstring command = argv[1], printer = argv[2];
     std::vector<std::wstring> rest(argv + 3, argv + argc);
