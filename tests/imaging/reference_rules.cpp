@@ -42,7 +42,9 @@ bool GrayScale(CxImage& img)
     for (DWORD i = 0; i < img.GetNumColors(); i++) pal[i].rgbBlue = Grey(pal[i]);
     img.ClearNearestCache();
     if (img.GetBpp() == 8) {
-        if (img.GetBkgndIndex() >= 0) img.SetBkgndIndex(pal[img.GetBkgndIndex()].rgbBlue);
+        // A background index past the palette names no colour and is left as it is.
+        if (img.GetBkgndIndex() >= 0 && DWORD(img.GetBkgndIndex()) < img.GetNumColors())
+            img.SetBkgndIndex(pal[img.GetBkgndIndex()].rgbBlue);
         for (long y = 0; y < h; y++)
             for (long x = 0; x < w; x++) img.SetPixelIndex(x, y, pal[img.GetPixelIndex(x, y)].rgbBlue);
         img.SetGrayPalette();
