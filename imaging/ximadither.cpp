@@ -227,14 +227,7 @@ bool CxImage::GrayScale()
 
     if (m_head.biClrUsed == 0) {
         CxImage gray;
-        gray.CopyInfo(*this);
-        if (gray.Create(width, height, 8, m_type) == nullptr) {
-            SetLastError(gray.GetLastError());
-            return false;
-        }
-        gray.SelectionCopy(*this);
-        gray.AlphaCopy(*this);
-        gray.SetGrayPalette();
+        if (!StartGrayCopy(gray)) return false;
         for (DWORD y = 0; y < height; y++) {
             BYTE* dst = gray.GetBits(y);
             ximakernels::GrayRow24(GetBits(y), dst, width);
@@ -259,20 +252,27 @@ bool CxImage::GrayScale()
     return GrayScaleFromPalette();
 }
 
-// 1- and 4-bit images: an 8-bit image whose pixels are the grey levels (already in the palette's
-// blue bytes) of the source's indices.
-bool CxImage::GrayScaleFromPalette()
+// An empty 8-bit grey image of this one's size, with its settings, selection and alpha mask.
+bool CxImage::StartGrayCopy(CxImage& gray)
 {
-    const DWORD width = GetWidth(), height = GetHeight();
-    CxImage gray;
     gray.CopyInfo(*this);
-    if (gray.Create(width, height, 8, m_type) == nullptr) {
+    if (gray.Create(GetWidth(), GetHeight(), 8, m_type) == nullptr) {
         SetLastError(gray.GetLastError());
         return false;
     }
     gray.SelectionCopy(*this);
     gray.AlphaCopy(*this);
     gray.SetGrayPalette();
+    return true;
+}
+
+// 1- and 4-bit images: an 8-bit image whose pixels are the grey levels (already in the palette's
+// blue bytes) of the source's indices.
+bool CxImage::GrayScaleFromPalette()
+{
+    const DWORD width = GetWidth(), height = GetHeight();
+    CxImage gray;
+    if (!StartGrayCopy(gray)) return false;
     const RGBQUAD* pal = GetPalette();
     BYTE level[16];
     for (DWORD i = 0; i < 16; i++) level[i] = i < m_head.biClrUsed ? pal[i].rgbBlue : 0;

@@ -115,6 +115,7 @@ private:
     void SyncHeader();
     size_t MaskSize() const;
     bool GrayScaleFromPalette();
+    bool StartGrayCopy(CxImage& gray);
 
     BYTE* m_dib;
     BITMAPINFOHEADER m_head;

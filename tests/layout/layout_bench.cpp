@@ -8,8 +8,10 @@
 #include <thread>
 
 #include "bench.h"
+#include "forms_store.h"
 #include "host.h"
 #include "import_patch.h"
+#include "spooler_faults.h"
 
 namespace layout_bench {
 
@@ -96,6 +98,14 @@ LONG CALLBACK CountCrash(EXCEPTION_POINTERS* info)
 }
 
 }  // namespace
+
+void InstallPageStandIns()
+{
+    ASSERT_NE(nullptr, bench::Plugin());
+    forms::Install(bench::Plugin());
+    spooler_faults::Install(bench::Plugin());
+    ASSERT_TRUE(InstallDevModeDriver(bench::Plugin()));
+}
 
 bool InstallDevModeDriver(HMODULE module)
 {

@@ -22,6 +22,9 @@ namespace layout_bench {
 // Routes `module`'s DocumentPropertiesW to it; `Uninstall` puts Wine's back.
 bool InstallDevModeDriver(HMODULE module);
 void UninstallDevModeDriver(HMODULE module);
+// Everything the page tests put between the plug-in and Wine's spooler: the forms store, the
+// spooler fault stand-ins and the device-mode driver above. Once per test program.
+void InstallPageStandIns();
 // DM_IN_BUFFER | DM_OUT_BUFFER calls seen by the stand-in.
 int MergeCalls();
 

@@ -24,13 +24,7 @@ const WCHAR kMedia[] = L"80 x 297 mm[R80]";   // the driver's default form and i
 
 class LayoutPage : public ::testing::Test {
 protected:
-    static void SetUpTestSuite()
-    {
-        ASSERT_NE(nullptr, bench::Plugin());
-        forms::Install(bench::Plugin());
-        spooler_faults::Install(bench::Plugin());
-        ASSERT_TRUE(InstallDevModeDriver(bench::Plugin()));
-    }
+    static void SetUpTestSuite() { InstallPageStandIns(); }
 
     void SetUp() override
     {

@@ -50,13 +50,7 @@ LONG Length(const std::wstring& name)
 
 class UserPaper : public ::testing::Test {
 protected:
-    static void SetUpTestSuite()
-    {
-        ASSERT_NE(nullptr, bench::Plugin());
-        forms::Install(bench::Plugin());
-        spooler_faults::Install(bench::Plugin());
-        ASSERT_TRUE(InstallDevModeDriver(bench::Plugin()));
-    }
+    static void SetUpTestSuite() { InstallPageStandIns(); }
 
     void SetUp() override
     {
