@@ -65,8 +65,12 @@ void SetRawDataPrintJob(const WCHAR* printerName, const PRINTER_EVENT_ATTRIBUTES
 {
     Log("SetRawDataPrintJob : pPrinterName : %ws", printerName);
     ScopedPrinter printer;
-    if (!OpenPrinterByName(printerName, printer) || pEventInfo == nullptr) {
+    const BOOL opened = OpenPrinterByName(printerName, printer);
+    if (!opened || pEventInfo == nullptr) {
         Log("SetRawDataPrintJob : OpenPrinter failed. (%d)", GetLastError());
+        // An event without its parameter block has always left the handle it opened as it is; the
+        // spooler always passes the block, so this only happens to a caller that breaks the contract.
+        if (opened) printer.release();
         return;
     }
     // Only the new attributes decide; the old ones are there for the log.

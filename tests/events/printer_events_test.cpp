@@ -511,6 +511,9 @@ TEST_F(AttributesChanged, FailuresAreLogged)
     EXPECT_TRUE(bench::LogContains("SetRawDataPrintJob : OpenPrinter failed. ("));
     EXPECT_TRUE(bench::LogContains("SetRawDataPrintJob : pPrinterName : " +
                                    std::string(printer.begin(), printer.end())));
+    EXPECT_EQ(spooler_faults::ClosedHandles() + 1, spooler_faults::OpenedHandles())
+        << "without its parameter block the event leaves the handle it opened";
+    spooler_faults::Reset();
 
     PRINTER_EVENT_ATTRIBUTES_INFO info = { sizeof info, 0x1040, 0x40 };
     bench::ClearLog();
