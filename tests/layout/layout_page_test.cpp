@@ -502,3 +502,40 @@ TEST_F(LayoutPage, AFormThatWentAwayLeavesTheDeviceModeAndMarksTheDefaultForm)
     EXPECT_EQ(1, misc.at(32)) << "the chosen position is stored anyway";
     EXPECT_EQ(2, misc.at(12)) << "byte 12 receives the default form's position in the list as shown";
 }
+
+TEST_F(LayoutPage, OkStoresTheEditsAndCancelDropsThem)
+{
+    StoreMisc(PatternedMisc());
+    ASSERT_NE(nullptr, Open());
+    Type(page, IDE_LAYOUT_COPIES, L"7");
+    FocusOn(page, IDR_LAYOUT_PORTRAIT);
+    Click(page, IDR_LAYOUT_ROTATE_180);
+    host.PressOk();
+    EXPECT_EQ(nullptr, PropSheet_GetCurrentPageHwnd(sheet)) << "OK closes the sheet";
+    std::vector<BYTE> misc = Misc();
+    ASSERT_EQ(99u, misc.size());
+    EXPECT_EQ(7, misc[19]);
+    EXPECT_EQ(2, misc[21]);
+    std::vector<BYTE> bytes = DevMode();
+    ASSERT_NE(nullptr, AsDevMode(bytes));
+    EXPECT_EQ(7, AsDevMode(bytes)->dmCopies);
+    host.CloseSheet();
+
+    // A second sheet shows what OK stored; Cancel then leaves the printer as it was.
+    DriverCoreHost again;
+    ASSERT_TRUE(again.Load(L"UIQVRPOS.dll"));
+    HWND secondSheet = again.OpenSheet(SheetKind::Document, printer);
+    ASSERT_NE(nullptr, secondSheet);
+    HWND secondPage = again.Page(0);
+    EXPECT_EQ(L"7", Text(secondPage, IDE_LAYOUT_COPIES));
+    EXPECT_TRUE(IsChecked(secondPage, IDR_LAYOUT_ROTATE_180));
+    Type(secondPage, IDE_LAYOUT_COPIES, L"9");
+    FocusOn(secondPage, IDR_LAYOUT_PORTRAIT);
+    Click(secondPage, IDR_LAYOUT_ROTATE_0);
+    again.PressCancel();
+    again.CloseSheet(0);
+    EXPECT_EQ(misc, Misc()) << "Cancel writes nothing";
+    bytes = DevMode();
+    ASSERT_NE(nullptr, AsDevMode(bytes));
+    EXPECT_EQ(7, AsDevMode(bytes)->dmCopies);
+}
