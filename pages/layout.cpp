@@ -26,29 +26,27 @@ void Enable(HWND hDlg, int id, BOOL enable)
 }
 
 // Each edge's group: its length edit, its spin and its unit list.
+void EnableCropGroup(HWND hDlg, int edit, int spin, int unitList, BOOL enable)
+{
+    Enable(hDlg, edit, enable);
+    Enable(hDlg, spin, enable);
+    Enable(hDlg, unitList, enable);
+}
 void EnableTopCropControls(HWND hDlg, BOOL enable)
 {
-    Enable(hDlg, IDE_LAYOUT_CROP_TOP, enable);
-    Enable(hDlg, IDSB_LAYOUT_CROP_TOP, enable);
-    Enable(hDlg, IDC_LAYOUT_CROP_TOP_UNIT, enable);
+    EnableCropGroup(hDlg, IDE_LAYOUT_CROP_TOP, IDSB_LAYOUT_CROP_TOP, IDC_LAYOUT_CROP_TOP_UNIT, enable);
 }
 void EnableBottomCropControls(HWND hDlg, BOOL enable)
 {
-    Enable(hDlg, IDE_LAYOUT_CROP_BOTTOM, enable);
-    Enable(hDlg, IDSB_LAYOUT_CROP_BOTTOM, enable);
-    Enable(hDlg, IDC_LAYOUT_CROP_BOTTOM_UNIT, enable);
+    EnableCropGroup(hDlg, IDE_LAYOUT_CROP_BOTTOM, IDSB_LAYOUT_CROP_BOTTOM, IDC_LAYOUT_CROP_BOTTOM_UNIT, enable);
 }
 void EnableLeftCropControls(HWND hDlg, BOOL enable)
 {
-    Enable(hDlg, IDE_LAYOUT_CROP_LEFT, enable);
-    Enable(hDlg, IDSB_LAYOUT_CROP_LEFT, enable);
-    Enable(hDlg, IDC_LAYOUT_CROP_LEFT_UNIT, enable);
+    EnableCropGroup(hDlg, IDE_LAYOUT_CROP_LEFT, IDSB_LAYOUT_CROP_LEFT, IDC_LAYOUT_CROP_LEFT_UNIT, enable);
 }
 void EnableRightCropControls(HWND hDlg, BOOL enable)
 {
-    Enable(hDlg, IDE_LAYOUT_CROP_RIGHT, enable);
-    Enable(hDlg, IDSB_LAYOUT_CROP_RIGHT, enable);
-    Enable(hDlg, IDC_LAYOUT_CROP_RIGHT_UNIT, enable);
+    EnableCropGroup(hDlg, IDE_LAYOUT_CROP_RIGHT, IDSB_LAYOUT_CROP_RIGHT, IDC_LAYOUT_CROP_RIGHT_UNIT, enable);
 }
 
 // One edge of the image: its check box, length edit, spin, unit list and record bytes.

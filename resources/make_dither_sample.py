@@ -28,10 +28,10 @@ def pixel(x, y):
     if d2 < 1.0:
         nz = math.sqrt(1.0 - d2)
         light = max(0.0, -0.5 * dx - 0.6 * dy + 0.62 * nz)
-        spec = light ** 24
-        r = 40 + 200 * light + 255 * spec
-        g = 20 + 120 * light + 255 * spec
-        b = 10 + 60 * light + 255 * spec
+        glint = light ** 24
+        r = 40 + 200 * light + 255 * glint
+        g = 20 + 120 * light + 255 * glint
+        b = 10 + 60 * light + 255 * glint
     # Thin strokes: a frame corner and three lines of "text".
     if (x in (4, 5) and 4 <= y <= 30) or (y in (4, 5) and 4 <= x <= 30):
         r = g = b = 20
