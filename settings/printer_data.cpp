@@ -64,15 +64,20 @@ BOOL LookupThroughRecord(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length, c
                          const WCHAR* value, TextRule rule, const LookupTexts& t)
 {
     if (length != nullptr) *length = 0;
-    ScopedLog log(t.start, t.end);
+    Log("%s", t.start);
     if (lpdi == nullptr) {
         Log("%s", t.nullRecord);
+        Log("%s", t.end);
         return FALSE;
     }
-    if (buffer == nullptr) return FALSE;
+    if (buffer == nullptr) {
+        Log("%s", t.end);
+        return FALSE;
+    }
     WCHAR text[printerdata::kTextChars + 1];
     const DWORD status = ReadDriverText(lpdi->hPrinter, key, value, text);
     if (status != ERROR_SUCCESS) {
+        // A failed read returns at once: its failure line is the procedure's last.
         buffer[0] = L'\0';
         Log("%s", t.readFailed);
         return FALSE;
@@ -83,6 +88,7 @@ BOOL LookupThroughRecord(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length, c
     StringCchCopyW(buffer, printerdata::kTextChars, result);
     if (length != nullptr) *length = static_cast<DWORD>(lstrlenW(buffer));
     Log(t.after, buffer);
+    Log("%s", t.end);
     return TRUE;
 }
 
@@ -136,7 +142,7 @@ DWORD SetPrinterDataToReg(HANDLE hPrinter, LPCWSTR pValueName, DWORD type, const
         Log("SetPrinterDataToReg : OpenPrinter failed-2 with (%d)", GetLastError());
         return first;
     }
-    BuildKeyFor(again.get(), pValueName);
+    // Same key as the first attempt, only through the new handle.
     const DWORD second = SetPrinterDataExW(again.get(), PropertiesKeyPath, pValueName, type,
                                            const_cast<BYTE*>(pData), cbData);
     if (second != ERROR_SUCCESS)
