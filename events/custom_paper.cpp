@@ -3,6 +3,8 @@
 #include <winspool.h>
 
 #include <cstdio>
+#include <cwchar>
+#include <cwctype>
 
 #include "oemui/handles.h"
 #include "oemui/log.h"
@@ -17,7 +19,8 @@ struct StdioFileTraits {
 };
 using ScopedStdioFile = Scoped<StdioFileTraits>;
 
-bool IsBlank(WCHAR c) { return c == L' ' || c == L'\t' || c == L'\n' || c == L'\r' || c == L'\v' || c == L'\f'; }
+// The blanks of the runtime's own scanner and number conversion, which the paper lines follow.
+bool IsBlank(WCHAR c) { return c != L'\0' && iswspace(c) != 0; }
 
 void AddOrReplaceForm(HANDLE hPrinter, WCHAR* formName, FORM_INFO_1W& form)
 {
@@ -121,7 +124,7 @@ BOOL SearchEnumPaperCompare(HANDLE hPrinter, const WCHAR* formName)
     }
     const auto* forms = static_cast<const FORM_INFO_1W*>(block.get());
     for (DWORD i = 0; i < returned; ++i) {
-        if (forms[i].pName != nullptr && lstrcmpW(forms[i].pName, formName) == 0) {
+        if (forms[i].pName != nullptr && wcscmp(forms[i].pName, formName) == 0) {   // exact, case-sensitive
             Log("SearchEnumPaperCompare : Found Paper Form .");
             break;
         }
@@ -133,7 +136,7 @@ BOOL SearchEnumPaperCompare(HANDLE hPrinter, const WCHAR* formName)
 
 void SetCustomPaper(const WCHAR* printerName)
 {
-    ScopedLog log("SetCustomPaper : START", "SetCustomPaper : END");
+    Log("SetCustomPaper : START");
     ScopedPrinter printer;
     if (!OpenPrinterByName(printerName, printer)) {
         Log("SetCustomPaper : OpenPrinter failed with %d", GetLastError());
