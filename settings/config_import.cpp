@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <cwchar>
 
 #include "oemui/handles.h"
 #include "oemui/language.h"
@@ -152,11 +153,12 @@ BOOL SetBasicSettingPreferenceReg(const WCHAR* printerName)
     WCHAR model[printerdata::kTextChars];
     printerdata::ReadModelName(printer.get(), model, "GetModelName : before wszModelName = %S");
     Log("SetBasicSettingPreferenceReg : Model Name = %S", model);
-    if (lstrcmpW(model, L"QM-132") == 0 || lstrcmpW(model, L"QM-133") == 0 || lstrcmpW(model, L"QM-120") == 0 ||
-        lstrcmpW(model, L"QM-121") == 0) {
+    // Exact, case-sensitive comparisons of the model word.
+    if (wcscmp(model, L"QM-132") == 0 || wcscmp(model, L"QM-133") == 0 || wcscmp(model, L"QM-120") == 0 ||
+        wcscmp(model, L"QM-121") == 0) {
         Log("SetBasicSettingPreferenceReg : BT Two-Chip");
         misc[pref::BluetoothTwoChip] = 1;
-    } else if (lstrcmpW(model, L"QM-143") == 0) {
+    } else if (wcscmp(model, L"QM-143") == 0) {
         // This model's beep bytes hold its alarm settings; the line keeps the name it has always had.
         Log("InitDialogInfo : QM-143 Special");
         misc[pref::BeepBefore] = 0x00;
