@@ -204,6 +204,47 @@ TEST_F(PropertySheets, ResultsOfTheLaterReasons)
     EXPECT_EQ(0u, host.Info().Result);
 }
 
+TEST_F(PropertySheets, AMissingOrForeignInfoBlockIsRefusedWithoutTouchingIt)
+{
+    for (SheetKind kind : { SheetKind::Document, SheetKind::Device }) {
+        SCOPED_TRACE(kind == SheetKind::Document ? "document" : "device");
+        auto call = [&](PPROPSHEETUI_INFO info) {
+            return kind == SheetKind::Document ? host.Plugin()->DocumentPropertySheets(info, 0)
+                                               : host.Plugin()->DevicePropertySheets(info, 0);
+        };
+        SetLastError(0);
+        EXPECT_EQ(E_FAIL, call(nullptr));
+        EXPECT_EQ(DWORD(ERROR_INVALID_PARAMETER), GetLastError());
+
+        for (WORD reason : { WORD(PROPSHEETUI_REASON_INIT), WORD(PROPSHEETUI_REASON_GET_INFO_HEADER),
+                             WORD(PROPSHEETUI_REASON_DESTROY) }) {
+            SCOPED_TRACE(reason);
+            PROPSHEETUI_INFO info = {};
+            info.cbSize = sizeof info;
+            info.Version = 0x0200;
+            info.Reason = reason;
+            info.Result = 0x77;
+            info.UserData = 0x5A5A;
+            SetLastError(0);
+            EXPECT_EQ(E_FAIL, call(&info));
+            EXPECT_EQ(DWORD(ERROR_INVALID_PARAMETER), GetLastError());
+            EXPECT_EQ(0x77u, info.Result) << "the result is left alone";
+            EXPECT_EQ(0x5A5Au, info.UserData) << "no record is made or freed";
+        }
+    }
+    EXPECT_FALSE(bench::LogContains("PROPSHEETUI_REASON_INIT START"));
+}
+
+TEST_F(PropertySheets, DeviceSheetLogsUnderItsOwnName)
+{
+    ASSERT_EQ(S_OK, host.InitSheet(SheetKind::Device, printer));
+    EXPECT_TRUE(bench::LogContains("hrOEMDevicePropertySheets : PROPSHEETUI_REASON_INIT START"));
+    EXPECT_TRUE(bench::LogContains("hrOEMDevicePropertySheets : GetPrinterDataFromReg failed with "));
+    EXPECT_TRUE(bench::LogContains("hrOEMDevicePropertySheets : PROPSHEETUI_REASON_INIT END"));
+    EXPECT_FALSE(bench::LogContains("hrOEMDocumentPropertySheets"));
+    EXPECT_EQ(99u, Misc(printer).size()) << "the device sheet seeds and stores the settings too";
+}
+
 TEST_F(PropertySheets, PagesShowInARealSheet)
 {
     HWND sheet = host.OpenSheet(SheetKind::Document, printer);
