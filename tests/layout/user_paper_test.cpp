@@ -343,3 +343,19 @@ TEST_F(UserPaper, TheChosenFormStaysChosenWhenItSurvives)
     EXPECT_EQ(1, bench::ReadPrinterData(printer, L"MISC").at(32));
     EXPECT_TRUE(ApplyEnabled(sheet)) << "the page counts the dialog as a change";
 }
+
+TEST_F(UserPaper, OnlyTheWindowMenusCloseEndsTheDialogAClosingMessageAloneDoesNot)
+{
+    Open();
+    WithPaperDialog([&](HWND dlg) {
+        EXPECT_TRUE(bench::LogContains("DlgUserDefinedPaper : WM_INITDIALOG START"));
+        EXPECT_TRUE(bench::LogContains("DlgUserDefinedPaper : WM_INITDIALOG END"));
+        // Answered as handled: no IDCANCEL is made of it, so the dialog stays.
+        PostMessageW(dlg, WM_CLOSE, 0, 0);
+        Sleep(300);
+        EXPECT_TRUE(IsWindow(dlg)) << "WM_CLOSE does nothing";
+        PostMessageW(dlg, WM_SYSCOMMAND, SC_CLOSE, 0);
+        EXPECT_TRUE(WaitUntil([&] { return !IsWindow(dlg); })) << "SC_CLOSE ends the dialog";
+    });
+    EXPECT_TRUE(IsWindow(page)) << "the page stays open";
+}
