@@ -212,24 +212,28 @@ void DefaultFormFromMedia(const WCHAR* text, WCHAR (&out)[kTextChars])
     if (!Piece(text, L'[', 1, out)) CopyCut(out, L"(null)");
 }
 
-bool ReadModelName(HANDLE hPrinter, WCHAR (&modelName)[kTextChars], const char* beforeLine)
+namespace {
+// One driver-published text, logged as read and then cut by `rule`; `out` is empty when unreadable.
+bool ReadDriverValue(HANDLE hPrinter, const WCHAR* key, const WCHAR* value, TextRule rule,
+                     WCHAR (&out)[kTextChars], const char* beforeLine)
 {
     WCHAR text[kTextChars + 1];
-    modelName[0] = L'\0';
-    if (ReadDriverText(hPrinter, L"PrinterDriverData", L"Model", text) != ERROR_SUCCESS) return false;
+    out[0] = L'\0';
+    if (ReadDriverText(hPrinter, key, value, text) != ERROR_SUCCESS) return false;
     Log(beforeLine, text);
-    ModelFromModelText(text, modelName);
+    rule(text, out);
     return true;
+}
+}  // namespace
+
+bool ReadModelName(HANDLE hPrinter, WCHAR (&modelName)[kTextChars], const char* beforeLine)
+{
+    return ReadDriverValue(hPrinter, L"PrinterDriverData", L"Model", ModelFromModelText, modelName, beforeLine);
 }
 
 bool ReadFormId(HANDLE hPrinter, WCHAR (&formId)[kTextChars], const char* beforeLine)
 {
-    WCHAR text[kTextChars + 1];
-    formId[0] = L'\0';
-    if (ReadDriverText(hPrinter, L"DsDriver", L"printMediaReady", text) != ERROR_SUCCESS) return false;
-    Log(beforeLine, text);
-    FormIdFromMedia(text, formId);
-    return true;
+    return ReadDriverValue(hPrinter, L"DsDriver", L"printMediaReady", FormIdFromMedia, formId, beforeLine);
 }
 
 }  // namespace printerdata

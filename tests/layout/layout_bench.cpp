@@ -210,30 +210,29 @@ void DropAndPick(HWND dlg, int id, int index)
 
 int Selection(HWND dlg, int id) { return static_cast<int>(SendMessageW(Item(dlg, id), CB_GETCURSEL, 0, 0)); }
 
-std::vector<std::wstring> ComboItems(HWND dlg, int id)
+namespace {
+// The texts of a combo box or list box, through that control's count, length and text messages.
+std::vector<std::wstring> Items(HWND list, UINT countMsg, UINT lengthMsg, UINT textMsg)
 {
     std::vector<std::wstring> items;
-    const HWND list = Item(dlg, id);
-    const LRESULT n = SendMessageW(list, CB_GETCOUNT, 0, 0);
+    const LRESULT n = SendMessageW(list, countMsg, 0, 0);
     for (LRESULT i = 0; i < n; ++i) {
         WCHAR text[512] = L"";
-        if (SendMessageW(list, CB_GETLBTEXTLEN, i, 0) < 511) SendMessageW(list, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
+        if (SendMessageW(list, lengthMsg, i, 0) < 511) SendMessageW(list, textMsg, i, reinterpret_cast<LPARAM>(text));
         items.push_back(text);
     }
     return items;
 }
+}  // namespace
+
+std::vector<std::wstring> ComboItems(HWND dlg, int id)
+{
+    return Items(Item(dlg, id), CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT);
+}
 
 std::vector<std::wstring> ListBoxItems(HWND dlg, int id)
 {
-    std::vector<std::wstring> items;
-    const HWND list = Item(dlg, id);
-    const LRESULT n = SendMessageW(list, LB_GETCOUNT, 0, 0);
-    for (LRESULT i = 0; i < n; ++i) {
-        WCHAR text[512] = L"";
-        if (SendMessageW(list, LB_GETTEXTLEN, i, 0) < 511) SendMessageW(list, LB_GETTEXT, i, reinterpret_cast<LPARAM>(text));
-        items.push_back(text);
-    }
-    return items;
+    return Items(Item(dlg, id), LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT);
 }
 
 void Spin(HWND dlg, int barId, int code)
