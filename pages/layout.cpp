@@ -17,20 +17,14 @@
 
 namespace {
 
-int ReadEditNumber(HWND hDlg, int id);
-void EnableReductionControls(HWND hDlg, BOOL enable);
+using namespace page;
 
-void Enable(HWND hDlg, int id, BOOL enable)
-{
-    EnableWindow(GetDlgItem(hDlg, id), enable);
-}
+void EnableReductionControls(HWND hDlg, BOOL enable);
 
 // Each edge's group: its length edit, its spin and its unit list.
 void EnableCropGroup(HWND hDlg, int edit, int spin, int unitList, BOOL enable)
 {
-    Enable(hDlg, edit, enable);
-    Enable(hDlg, spin, enable);
-    Enable(hDlg, unitList, enable);
+    EnableAll(hDlg, { edit, spin, unitList }, enable);
 }
 void EnableTopCropControls(HWND hDlg, BOOL enable)
 {
@@ -73,43 +67,6 @@ const int kRotationRadios[] = { IDR_LAYOUT_ROTATE_0, IDR_LAYOUT_ROTATE_90, IDR_L
 const WCHAR* const kFixedRates[] = { L"100%", L"75%", L"50%", L"25%" };
 constexpr int kUserRateItem = 4;
 
-void MarkChanged(HWND hDlg)
-{
-    SendMessageW(GetParent(hDlg), PSM_CHANGED, reinterpret_cast<WPARAM>(hDlg), 0);
-}
-
-bool Checked(HWND hDlg, int id)
-{
-    return IsDlgButtonChecked(hDlg, id) == BST_CHECKED;
-}
-
-int Clamp(int value, int low, int high)
-{
-    return value < low ? low : value > high ? high : value;
-}
-
-LRESULT ListSelection(HWND hDlg, int id)
-{
-    return SendDlgItemMessageW(hDlg, id, CB_GETCURSEL, 0, 0);
-}
-
-void ListInsert(HWND hDlg, int id, WPARAM position, const WCHAR* text)
-{
-    SendDlgItemMessageW(hDlg, id, CB_INSERTSTRING, position, reinterpret_cast<LPARAM>(text));
-}
-
-// The text of a hidden static, each language's wording of a list entry.
-void HiddenText(HWND hDlg, int id, WCHAR (&text)[320])
-{
-    text[0] = L'\0';
-    GetWindowTextW(GetDlgItem(hDlg, id), text, 320);
-}
-
-void ShowNumber(HWND hDlg, int id, int value)
-{
-    SetDlgItemInt(hDlg, id, static_cast<UINT>(value), TRUE);
-}
-
 const CropEdge* EdgeOfCheck(int id)
 {
     for (const CropEdge& e : kEdges)
@@ -145,7 +102,7 @@ void InitPaperSize(HWND hDlg, DIALOGINFO* lpdi)
 void Layout_LoadPaperAndCopies(HWND hDlg, const DIALOGINFO* lpdi)
 {
     const BYTE* v = lpdi->byteValue;
-    WCHAR text[320];
+    HiddenString text;
     HiddenText(hDlg, IDT_HIDDEN_LAYOUT_RECEIPT, text);
     ListInsert(hDlg, IDC_LAYOUT_PAPER_TYPE, 0, text);
     HiddenText(hDlg, IDT_HIDDEN_LAYOUT_TICKET, text);
@@ -153,7 +110,7 @@ void Layout_LoadPaperAndCopies(HWND hDlg, const DIALOGINFO* lpdi)
     SendDlgItemMessageW(hDlg, IDC_LAYOUT_PAPER_TYPE, CB_SETCURSEL, v[pref::PaperType], 0);
     CheckDlgButton(hDlg, v[pref::Orientation] != 0 ? IDR_LAYOUT_LANDSCAPE : IDR_LAYOUT_PORTRAIT, BST_CHECKED);
 
-    SendDlgItemMessageW(hDlg, IDE_LAYOUT_COPIES, EM_LIMITTEXT, 3, 0);
+    LimitText(hDlg, IDE_LAYOUT_COPIES, 3);
     SetScrollRange(GetDlgItem(hDlg, IDSB_LAYOUT_COPIES), SB_CTL, 1, 256, FALSE);
     ShowNumber(hDlg, IDE_LAYOUT_COPIES, v[pref::Copies]);
     const BYTE rotation = v[pref::Rotation];
@@ -163,13 +120,13 @@ void Layout_LoadPaperAndCopies(HWND hDlg, const DIALOGINFO* lpdi)
 void Layout_LoadCrop(HWND hDlg, const DIALOGINFO* lpdi)
 {
     const BYTE* v = lpdi->byteValue;
-    WCHAR mm[320], pixel[320], margin[320];
+    HiddenString mm, pixel, margin;
     HiddenText(hDlg, IDT_HIDDEN_LAYOUT_UNIT_MM, mm);
     HiddenText(hDlg, IDT_HIDDEN_LAYOUT_UNIT_PIXEL, pixel);
     HiddenText(hDlg, IDT_HIDDEN_LAYOUT_UNIT_MARGIN, margin);
     for (const CropEdge& e : kEdges) {
         SetScrollRange(GetDlgItem(hDlg, e.spin), SB_CTL, 0, 255, FALSE);
-        SendDlgItemMessageW(hDlg, e.edit, EM_LIMITTEXT, 3, 0);
+        LimitText(hDlg, e.edit, 3);
         // Each at the front: the list ends up "[ mm ]", "[ Pixel ]", "[Margin Crop]".
         ListInsert(hDlg, e.unitList, 0, margin);
         ListInsert(hDlg, e.unitList, 0, pixel);
@@ -191,15 +148,14 @@ void Layout_LoadReduction(HWND hDlg, const DIALOGINFO* lpdi)
 {
     const BYTE* v = lpdi->byteValue;
     for (int i = 0; i < 4; ++i) ListInsert(hDlg, IDC_LAYOUT_RATE, static_cast<WPARAM>(i), kFixedRates[i]);
-    WCHAR text[320];
+    HiddenString text;
     HiddenText(hDlg, IDT_HIDDEN_LAYOUT_USER_RATE, text);
     ListInsert(hDlg, IDC_LAYOUT_RATE, kUserRateItem, text);
     SendDlgItemMessageW(hDlg, IDC_LAYOUT_RATE, CB_SETCURSEL, v[pref::ReductionRate], 0);
     // Two characters: 100 can be shown but not typed.
-    SendDlgItemMessageW(hDlg, IDE_LAYOUT_RATE, EM_LIMITTEXT, 2, 0);
+    LimitText(hDlg, IDE_LAYOUT_RATE, 2);
     const BOOL userRate = v[pref::ReductionRate] == kUserRateItem;
-    Enable(hDlg, IDE_LAYOUT_RATE, userRate);
-    Enable(hDlg, IDT_LAYOUT_PERCENT, userRate);
+    EnableAll(hDlg, { IDE_LAYOUT_RATE, IDT_LAYOUT_PERCENT }, userRate);
     if (userRate) ShowNumber(hDlg, IDE_LAYOUT_RATE, v[pref::UserReductionRate]);
 
     if (v[pref::ReductionOn] == 1)
@@ -215,10 +171,7 @@ void Layout_OnInitDialog(HWND hDlg, DIALOGINFO* lpdi)
 {
     ScopedLog log("DlgLayoutProc : WM_INITDIALOG START", "DlgLayoutProc : WM_INITDIALOG END");
     // Show what is stored, not what another page of this sheet changed without applying.
-    lpdi->cbPreferences = kPreferenceCount;
-    lpdi->preferencesStatus = GetPrinterDataFromReg(lpdi->hPrinter, L"MISC", nullptr, lpdi->byteValue,
-                                                    kPreferenceCount, &lpdi->cbPreferences);
-    if (lpdi->preferencesStatus != 0) InitDialogInfo(lpdi);
+    ReloadPreferences(lpdi);
 
     InitPaperSize(hDlg, lpdi);
     Layout_LoadPaperAndCopies(hDlg, lpdi);
@@ -260,7 +213,7 @@ void Layout_OnUserPaper(HWND hDlg, DIALOGINFO* lpdi)
     }
     lpdi->byteValue[pref::PaperSize] = static_cast<BYTE>(FindPaperSizeIndex(hDlg, name));
     SendMessageW(list, CB_SETCURSEL, lpdi->byteValue[pref::PaperSize], 0);
-    SetPrinterDataToReg(lpdi->hPrinter, L"MISC", REG_BINARY, lpdi->byteValue, kPreferenceCount, lpdi);
+    SavePreferences(lpdi);
 }
 
 void Layout_OnClick(HWND hDlg, DIALOGINFO* lpdi, int id)
@@ -303,9 +256,8 @@ void Layout_OnSelChange(HWND hDlg, int id)
 {
     if (id == IDC_LAYOUT_RATE) {
         MarkChanged(hDlg);
-        const BOOL userRate = ListSelection(hDlg, IDC_LAYOUT_RATE) == kUserRateItem;
-        Enable(hDlg, IDE_LAYOUT_RATE, userRate);
-        Enable(hDlg, IDT_LAYOUT_PERCENT, userRate);
+        EnableAll(hDlg, { IDE_LAYOUT_RATE, IDT_LAYOUT_PERCENT },
+                  ListSelection(hDlg, IDC_LAYOUT_RATE) == kUserRateItem);
     } else if (id == IDC_LAYOUT_PAPER_SIZE) {
         MarkChanged(hDlg);
     }
@@ -316,21 +268,16 @@ void Layout_OnSelChange(HWND hDlg, int id)
 // lengths are not corrected here; apply clamps them.
 void Layout_OnEditKillFocus(HWND hDlg, HWND edit)
 {
-    const int id = GetDlgCtrlID(edit);
-    const int value = ReadEditNumber(hDlg, id);
-    switch (id) {
+    switch (const int id = GetDlgCtrlID(edit)) {
     case IDE_LAYOUT_CROP_TOP:
     case IDE_LAYOUT_CROP_BOTTOM:
-        if (value < 0) SetDlgItemTextW(hDlg, id, L"0");
-        else if (value >= 256) SetDlgItemTextW(hDlg, id, L"255");
+        CorrectEditRange(hDlg, id, 0, 255);
         break;
     case IDE_LAYOUT_COPIES:
-        if (value < 1) SetDlgItemTextW(hDlg, id, L"1");
-        else if (value >= 256) SetDlgItemTextW(hDlg, id, L"255");
+        CorrectEditRange(hDlg, id, 1, 255);
         break;
     case IDE_LAYOUT_RATE:
-        if (value < 25) SetDlgItemTextW(hDlg, id, L"25");
-        else if (value > 100) SetDlgItemTextW(hDlg, id, L"100");
+        CorrectEditRange(hDlg, id, 25, 100);
         break;
     }
 }
@@ -360,30 +307,17 @@ void Layout_OnCommand(HWND hDlg, DIALOGINFO* lpdi, int id, int code, HWND contro
 // ---- WM_VSCROLL --------------------------------------------------------------------------
 
 // The spins count up with the upper arrow. Crop lengths stop at 0 and 255; copies wrap round.
+const SpinEdit kSpins[] = {
+    { IDE_LAYOUT_COPIES, IDSB_LAYOUT_COPIES, 1, 255, SpinEnds::Wrap, OtherCodes::Redisplay },
+    { IDE_LAYOUT_CROP_TOP, IDSB_LAYOUT_CROP_TOP, 0, 255, SpinEnds::Clamp, OtherCodes::Ignore },
+    { IDE_LAYOUT_CROP_BOTTOM, IDSB_LAYOUT_CROP_BOTTOM, 0, 255, SpinEnds::Clamp, OtherCodes::Ignore },
+    { IDE_LAYOUT_CROP_LEFT, IDSB_LAYOUT_CROP_LEFT, 0, 255, SpinEnds::Clamp, OtherCodes::Ignore },
+    { IDE_LAYOUT_CROP_RIGHT, IDSB_LAYOUT_CROP_RIGHT, 0, 255, SpinEnds::Clamp, OtherCodes::Ignore },
+};
+
 void Layout_OnVScroll(HWND hDlg, HWND scrollBar, int code)
 {
-    const int barId = GetDlgCtrlID(scrollBar);
-    if (barId == IDSB_LAYOUT_COPIES) {
-        int copies = ReadEditNumber(hDlg, IDE_LAYOUT_COPIES);
-        if (code == SB_LINEUP) ++copies;
-        else if (code == SB_LINEDOWN) --copies;
-        if (copies < 1) copies = 255;
-        else if (copies > 255) copies = 1;
-        SetScrollPos(scrollBar, SB_CTL, copies, TRUE);
-        ShowNumber(hDlg, IDE_LAYOUT_COPIES, copies);
-        return;
-    }
-    for (const CropEdge& e : kEdges) {
-        if (e.spin != barId) continue;
-        int length = ReadEditNumber(hDlg, e.edit);
-        if (code == SB_LINEUP) ++length;
-        else if (code == SB_LINEDOWN) --length;
-        else return;
-        length = Clamp(length, 0, 255);
-        SetScrollPos(scrollBar, SB_CTL, length, TRUE);
-        ShowNumber(hDlg, e.edit, length);
-        return;
-    }
+    if (const SpinEdit* row = SpinOf(kSpins, GetDlgCtrlID(scrollBar))) StepSpin(hDlg, *row, code);
 }
 
 // ---- PSN_APPLY ---------------------------------------------------------------------------
@@ -429,39 +363,26 @@ void Layout_SaveControls(HWND hDlg, DIALOGINFO* lpdi)
     const int orientation = Checked(hDlg, IDR_LAYOUT_LANDSCAPE) ? 1 : 0;
     if (TwiceIfNeeded(SetOrientation, lpdi, orientation)) v[pref::Orientation] = static_cast<BYTE>(orientation);
 
-    SetPrinterDataToReg(lpdi->hPrinter, L"MISC", REG_BINARY, v, kPreferenceCount, lpdi);
+    SavePreferences(lpdi);
 }
 
-void Layout_OnNotify(HWND hDlg, DIALOGINFO* lpdi, const NMHDR* header)
+INT_PTR Layout_OnNotify(HWND hDlg, DIALOGINFO* lpdi, const NMHDR* header)
 {
-    if (header->code != static_cast<UINT>(PSN_APPLY)) return;
+    if (header->code != static_cast<UINT>(PSN_APPLY)) return FALSE;
     Layout_SaveControls(hDlg, lpdi);
-    SetWindowLongPtrW(hDlg, DWLP_MSGRESULT, PSNRET_NOERROR);
-}
-
-// The number in an edit as the ANSI run-time's atoi reads it: leading digits, none reads as 0.
-int ReadEditNumber(HWND hDlg, int id)
-{
-    char narrow[520];
-    GetEditTextAnsi(hDlg, id, narrow);
-    return atoi(narrow);
+    return NotifyResult(hDlg, PSNRET_NOERROR);
 }
 
 // Greys or restores everything that only matters with reduction on.
 void EnableReductionControls(HWND hDlg, BOOL enable)
 {
-    Enable(hDlg, IDC_LAYOUT_RATE, enable);
-    Enable(hDlg, IDR_LAYOUT_BARCODE_KEEP, enable);
-    Enable(hDlg, IDR_LAYOUT_BARCODE_REDUCE, enable);
-    Enable(hDlg, IDX_LAYOUT_INTERPOLATION, enable);
-    if (!enable) {
-        Enable(hDlg, IDE_LAYOUT_RATE, FALSE);
-        Enable(hDlg, IDT_LAYOUT_PERCENT, FALSE);
-    } else if (ListSelection(hDlg, IDC_LAYOUT_RATE) == kUserRateItem) {
+    EnableAll(hDlg, { IDC_LAYOUT_RATE, IDR_LAYOUT_BARCODE_KEEP, IDR_LAYOUT_BARCODE_REDUCE, IDX_LAYOUT_INTERPOLATION },
+              enable);
+    if (!enable)
+        EnableAll(hDlg, { IDE_LAYOUT_RATE, IDT_LAYOUT_PERCENT }, FALSE);
+    else if (ListSelection(hDlg, IDC_LAYOUT_RATE) == kUserRateItem)
         // The rate edit only comes back for "User Defined"; otherwise it stays as it is.
-        Enable(hDlg, IDE_LAYOUT_RATE, TRUE);
-        Enable(hDlg, IDT_LAYOUT_PERCENT, TRUE);
-    }
+        EnableAll(hDlg, { IDE_LAYOUT_RATE, IDT_LAYOUT_PERCENT }, TRUE);
 }
 
 }  // namespace
@@ -481,8 +402,7 @@ INT_PTR CALLBACK DlgLayoutProc(HWND hDlg, UINT msg, WPARAM wParam, LPARAM lParam
         Layout_OnVScroll(hDlg, reinterpret_cast<HWND>(lParam), LOWORD(wParam));
         break;
     case WM_NOTIFY:
-        Layout_OnNotify(hDlg, lpdi, reinterpret_cast<const NMHDR*>(lParam));
-        break;
+        return Layout_OnNotify(hDlg, lpdi, reinterpret_cast<const NMHDR*>(lParam));
     }
     return FALSE;
 }

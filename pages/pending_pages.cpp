@@ -5,7 +5,7 @@
 namespace {
 INT_PTR PendingPage(HWND hDlg, UINT msg, LPARAM lParam)
 {
-    PageRecord(hDlg, msg, lParam);
+    page::PageRecord(hDlg, msg, lParam);
     return msg == WM_INITDIALOG ? TRUE : FALSE;
 }
 }  // namespace

@@ -15,6 +15,8 @@
 
 namespace {
 
+using namespace page;
+
 // Limits of the size fields, in millimetres.
 constexpr double kMinSize = 25.4;
 constexpr double kMaxWidth = 210.0;
@@ -22,14 +24,6 @@ constexpr double kMaxLength = 3276.0;
 // Without "Based on Image Width" the width field is the paper width; the printable image, which
 // is what the form stores, is 90 % of it.
 constexpr double kImageShare = 0.9;
-
-// The texts of the hidden statics hold each language's wording of messages and captions.
-template <size_t N>
-void HiddenText(HWND hDlg, int id, WCHAR (&text)[N])
-{
-    text[0] = L'\0';
-    GetWindowTextW(GetDlgItem(hDlg, id), text, static_cast<int>(N));
-}
 
 // The driver's form identifier, "[...]"; empty when the driver publishes none.
 void CurrentFormId(DIALOGINFO* lpdi, WCHAR (&formId)[260])
@@ -414,8 +408,7 @@ void Utility_ImageWidthMode(HWND hDlg, DIALOGINFO* lpdi)
 
 INT_PTR CALLBACK DlgUserDefinedPaper(HWND hDlg, UINT msg, WPARAM wParam, LPARAM lParam)
 {
-    if (msg == WM_INITDIALOG) SetWindowLongPtrW(hDlg, DWLP_USER, lParam);
-    auto* lpdi = reinterpret_cast<DIALOGINFO*>(GetWindowLongPtrW(hDlg, DWLP_USER));
+    DIALOGINFO* lpdi = page::ModalRecord(hDlg, msg, lParam);
     if (lpdi == nullptr) return FALSE;   // messages before WM_INITDIALOG are ignored
     switch (msg) {
     case WM_INITDIALOG:
