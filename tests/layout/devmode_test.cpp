@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "bench.h"
-#include "layout_bench.h"
+#include "page_bench.h"
 #include "pages/devmode.h"
 #include "spooler_faults.h"
 
-using namespace layout_bench;
+using namespace page_bench;
 
 namespace {
 

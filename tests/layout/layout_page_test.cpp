@@ -10,11 +10,11 @@
 #include "bench.h"
 #include "forms_store.h"
 #include "host.h"
-#include "layout_bench.h"
+#include "page_bench.h"
 #include "resources/resource.h"
 #include "spooler_faults.h"
 
-using namespace layout_bench;
+using namespace page_bench;
 using oemhost::DriverCoreHost;
 using oemhost::SheetKind;
 

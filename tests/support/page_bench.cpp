@@ -1,4 +1,4 @@
-#include "layout_bench.h"
+#include "page_bench.h"
 
 #include <commctrl.h>
 #include <prsht.h>
@@ -13,7 +13,7 @@
 #include "import_patch.h"
 #include "spooler_faults.h"
 
-namespace layout_bench {
+namespace page_bench {
 
 namespace {
 
@@ -322,4 +322,70 @@ CrashWatch::CrashWatch() : handler_(AddVectoredExceptionHandler(1, CountCrash)) 
 CrashWatch::~CrashWatch() { RemoveVectoredExceptionHandler(handler_); }
 int CrashWatch::Crashes() { return crashes; }
 
-}  // namespace layout_bench
+}  // namespace page_bench
+
+// ---- a page in a real sheet ----------------------------------------------------------------
+
+namespace page_bench {
+namespace {
+
+int changedMessages = 0;
+
+// Counts the PSM_CHANGED messages pages send to their sheet, then lets the sheet handle them.
+LRESULT CALLBACK CountChanged(HWND window, UINT msg, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR)
+{
+    if (msg == PSM_CHANGED) ++changedMessages;
+    return DefSubclassProc(window, msg, wParam, lParam);
+}
+
+}  // namespace
+
+void SheetTest::SetUp()
+{
+    forms::Reset();
+    spooler_faults::Reset();
+    UsePrinter(L"ORLIVEX QM-101");
+    host = std::make_unique<oemhost::DriverCoreHost>();
+    ASSERT_TRUE(host->Load(L"UIQVRPOS.dll")) << host->Error().c_str();
+    bench::ClearLog();
+    crashesBefore_ = CrashWatch::Crashes();
+}
+
+void SheetTest::TearDown()
+{
+    if (host) host->CloseSheet();
+    EXPECT_EQ(crashesBefore_, CrashWatch::Crashes()) << "an exception was raised inside the plug-in";
+}
+
+void SheetTest::UsePrinter(const std::wstring& model, const std::wstring& media)
+{
+    printer = bench::NewTestPrinter(L"Page", model, media);
+    ASSERT_FALSE(printer.empty());
+}
+
+void SheetTest::Store(const std::wstring& value, DWORD type, const std::vector<BYTE>& bytes, const std::wstring& key)
+{
+    ASSERT_EQ(0u, bench::WritePrinterData(printer, key, value, type, bytes.data(), static_cast<DWORD>(bytes.size())))
+        << "storing " << std::string(value.begin(), value.end());
+}
+
+std::vector<BYTE> SheetTest::Stored(const std::wstring& value, DWORD* type)
+{
+    return bench::ReadPrinterData(printer, value, type);
+}
+
+HWND SheetTest::Open(oemhost::SheetKind kind, int index)
+{
+    sheet = host->OpenSheet(kind, printer);
+    if (sheet == nullptr) return nullptr;
+    SetWindowSubclass(sheet, CountChanged, 1, 0);
+    changedMessages = 0;
+    host->SelectPage(index);
+    page = host->Page(index);
+    return page;
+}
+
+int SheetTest::ChangedCount() const { return changedMessages; }
+void SheetTest::ResetChanged() { changedMessages = 0; }
+
+}  // namespace page_bench

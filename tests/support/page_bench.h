@@ -1,4 +1,4 @@
-// Shared by the Layout page and paper dialog tests: a person's hands on the controls, the stored
+// Shared by every page and dialog test: a person's hands on the controls, the stored
 // device mode, a driver whose DocumentPropertiesW behaves as on Windows, and a crash watch.
 #pragma once
 
@@ -7,11 +7,14 @@
 
 #include <gtest/gtest.h>
 
+#include "host.h"
+
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
-namespace layout_bench {
+namespace page_bench {
 
 // ---- the device mode ----------------------------------------------------------------------
 
@@ -95,4 +98,43 @@ private:
     void* handler_;
 };
 
-}  // namespace layout_bench
+// ---- a page in a real sheet ---------------------------------------------------------------
+
+class Sheet;
+
+// The fixture every page and dialog test derives from: the stand-ins installed once, a fresh test
+// printer of `model` per test, the plug-in loaded by the driver-core stand-in, the log cleared,
+// and a crash watch that fails the test when anything was raised inside the plug-in.
+class SheetTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { InstallPageStandIns(); }
+    void SetUp() override;
+    void TearDown() override;
+
+    // Makes the test's printer; call from SetUp or first thing in a test (SetUp makes a QM-101).
+    void UsePrinter(const std::wstring& model, const std::wstring& media = L"Roll 80 x 297 mm[R80]");
+
+    // Printer data under the plug-in's properties key (the value as stored, or empty).
+    void Store(const std::wstring& value, DWORD type, const std::vector<BYTE>& bytes,
+               const std::wstring& key = L"PrinterDriverData\\Properties");
+    void StoreMisc(const std::vector<BYTE>& misc) { Store(L"MISC", REG_BINARY, misc); }
+    std::vector<BYTE> Stored(const std::wstring& value, DWORD* type = nullptr);
+    std::vector<BYTE> Misc() { return Stored(L"MISC"); }
+
+    // Opens the document or device sheet and selects page `index` (created on selection).
+    HWND Open(oemhost::SheetKind kind, int index);
+    // PSM_CHANGED messages the sheet received from pages since it opened (or since reset).
+    int ChangedCount() const;
+    void ResetChanged();
+
+    std::wstring printer;
+    std::unique_ptr<oemhost::DriverCoreHost> host;
+    HWND sheet = nullptr;
+    HWND page = nullptr;
+
+private:
+    CrashWatch watch_;
+    int crashesBefore_ = 0;
+};
+
+}  // namespace page_bench
