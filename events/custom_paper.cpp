@@ -28,22 +28,22 @@ void AddOrReplaceForm(HANDLE hPrinter, WCHAR* formName, FORM_INFO_1W& form)
         Log("SetCustomPaper :AddForm Success ");
         return;
     }
-    Log("SetCustomPaper :AddForm returned FALSE, (%d)", GetLastError());
+    Log("SetCustomPaper :AddForm returned FALSE, (%d)", LastErrorCode());
     if (!SearchEnumPaperCompare(hPrinter, formName)) return;
 
     Log("SetCustomPaper : Repalce Paper Form.");
     if (SetFormW(hPrinter, formName, 1, reinterpret_cast<BYTE*>(&form))) return;
-    Log("SetCustomPaper :SetForm returned FALSE, (%d)", GetLastError());
-    if (!DeleteFormW(hPrinter, formName)) Log("SetCustomPaper :DeleteForm returned FALSE, (%d)", GetLastError());
+    Log("SetCustomPaper :SetForm returned FALSE, (%d)", LastErrorCode());
+    if (!DeleteFormW(hPrinter, formName)) Log("SetCustomPaper :DeleteForm returned FALSE, (%d)", LastErrorCode());
     if (!AddFormW(hPrinter, 1, reinterpret_cast<BYTE*>(&form)))
-        Log("SetCustomPaper :AddForm returned FALSE, (%d)", GetLastError());
+        Log("SetCustomPaper :AddForm returned FALSE, (%d)", LastErrorCode());
 }
 
 void ImportPaperLine(HANDLE hPrinter, const WCHAR* line, const WCHAR* formId)
 {
     WCHAR paperName[64], widthText[16], heightText[16];
     if (paperdetail::ScanPaperLine(line, paperName, widthText, heightText) != 3) {
-        Log("SetCustomPaper :swscanf Fail (%d)", GetLastError());
+        Log("SetCustomPaper :swscanf Fail (%d)", LastErrorCode());
         return;
     }
     Log("SetCustomPaper : paper_name :%S", paperName);
@@ -59,8 +59,8 @@ void ImportPaperLine(HANDLE hPrinter, const WCHAR* line, const WCHAR* formId)
         Log("SetCustomPaper : paper size out of range, line skipped");
         return;
     }
-    Log("SetCustomPaper : paper_width :%d", width);
-    Log("SetCustomPaper : paper_height :%d", height);
+    Log("SetCustomPaper : paper_width :%ld", width);
+    Log("SetCustomPaper : paper_height :%ld", height);
 
     FORM_INFO_1W form = UserForm(formName, width, height);
     AddOrReplaceForm(hPrinter, formName, form);
@@ -119,7 +119,7 @@ BOOL SearchEnumPaperCompare(HANDLE hPrinter, const WCHAR* formName)
     EnumFormsW(hPrinter, 1, nullptr, 0, &needed, &returned);
     ScopedLocal block(LocalAlloc(LPTR, needed != 0 ? needed : sizeof(FORM_INFO_1W)));
     if (!block.valid() || !EnumFormsW(hPrinter, 1, static_cast<BYTE*>(block.get()), needed, &needed, &returned)) {
-        Log("SearchEnumPaperCompare : EnumForms failed. (%d)", GetLastError());
+        Log("SearchEnumPaperCompare : EnumForms failed. (%d)", LastErrorCode());
         return FALSE;
     }
     const auto* forms = static_cast<const FORM_INFO_1W*>(block.get());
@@ -139,15 +139,15 @@ void SetCustomPaper(const WCHAR* printerName)
     Log("SetCustomPaper : START");
     ScopedPrinter printer;
     if (!OpenPrinterByName(printerName, printer)) {
-        Log("SetCustomPaper : OpenPrinter failed with %d", GetLastError());
+        Log("SetCustomPaper : OpenPrinter failed with %d", LastErrorCode());
         return;
     }
 
     WCHAR modelName[printerdata::kTextChars];
-    printerdata::ReadModelName(printer.get(), modelName, "SetCustomPaper : before wszModelName = %S");
+    printerdata::ReadModelName(printer.get(), modelName, "SetCustomPaper");
     Log("SetCustomPaper : after wszModelName = %S", modelName);
     WCHAR formId[printerdata::kTextChars];
-    printerdata::ReadFormId(printer.get(), formId, "SetCustomPaper : before wszFormId = %S");
+    printerdata::ReadFormId(printer.get(), formId, "SetCustomPaper");
     Log("SetCustomPaper : after wszFormId = %S", formId);
 
     WCHAR path[255] = {};
@@ -162,7 +162,7 @@ void SetCustomPaper(const WCHAR* printerName)
 
     ScopedStdioFile file(_wfopen(path, L"r"));
     if (!file.valid()) {
-        Log("SetCustomPaper :File Open Fail (%d)", GetLastError());
+        Log("SetCustomPaper :File Open Fail (%d)", LastErrorCode());
         return;
     }
     // Lines of at most 255 characters: a longer one is read in pieces, each taken as a line.

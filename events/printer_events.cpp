@@ -3,6 +3,7 @@
 #include "events/custom_paper.h"
 #include "oemui/handles.h"
 #include "oemui/log.h"
+#include "qvr_version.h"
 #include "settings/config_import.h"
 #include "settings/printer_data.h"
 
@@ -10,29 +11,13 @@ const WCHAR kPosPrintProcessor[] = L"ORLIVEX POS PRINT PROCESSOR";
 
 namespace {
 
-// The queue's level-2 information in a zero-filled block; null when it cannot be read.
-HLOCAL ReadPrinterInfo2(HANDLE hPrinter)
-{
-    DWORD needed = 0;
-    GetPrinterW(hPrinter, 2, nullptr, 0, &needed);
-    if (needed < sizeof(PRINTER_INFO_2W)) return nullptr;
-    HLOCAL block = LocalAlloc(LPTR, needed);
-    if (block == nullptr) return nullptr;
-    if (!GetPrinterW(hPrinter, 2, static_cast<BYTE*>(block), needed, &needed)) {
-        const DWORD error = GetLastError();
-        LocalFree(block);
-        SetLastError(error);
-        return nullptr;
-    }
-    return block;
-}
-
 void WriteVersionStamp(HANDLE hPrinter)
 {
     static const struct {
         const WCHAR* name;
         DWORD value;
-    } stamp[] = { { L"MajorVersion", 5 }, { L"MinorVersion", 2 }, { L"BuildVersion", 1 }, { L"ExtraVersion", 0 } };
+    } stamp[] = { { L"MajorVersion", QVR_VERSION_MAJOR }, { L"MinorVersion", QVR_VERSION_MINOR },
+                   { L"BuildVersion", QVR_VERSION_BUILD }, { L"ExtraVersion", QVR_VERSION_EXTRA } };
     for (const auto& v : stamp)
         SetPrinterDataToReg(hPrinter, v.name, REG_DWORD, reinterpret_cast<const BYTE*>(&v.value), sizeof v.value,
                             nullptr);
@@ -45,51 +30,50 @@ void SetDriverBasicInfo(const WCHAR* printerName)
     ScopedLog log("SetDriverBasicInfo : START", "SetDriverBasicInfo : END");
     ScopedPrinter printer;
     if (!OpenPrinterByName(printerName, printer)) {
-        Log("SetDriverBasicInfo : OpenPrinter failed with %d", GetLastError());
+        Log("SetDriverBasicInfo : OpenPrinter failed with %d", LastErrorCode());
         return;
     }
-    ScopedLocal block(ReadPrinterInfo2(printer.get()));
-    if (block.valid()) {
-        auto* info = static_cast<PRINTER_INFO_2W*>(block.get());
+    PrinterInfo2 queue(printer.get());
+    if (PRINTER_INFO_2W* info = queue.get()) {
         info->pPrintProcessor = const_cast<WCHAR*>(kPosPrintProcessor);
         // Exactly raw-only: a new queue of this driver starts with no other attribute (not even
         // shared). Only a later attribute change keeps the other bits.
         info->Attributes = PRINTER_ATTRIBUTE_RAW_ONLY;
-        if (!SetPrinterW(printer.get(), 2, static_cast<BYTE*>(block.get()), 0))
-            Log("SetDriverBasicInfo : SetPrinter failed with %d", GetLastError());
+        if (!SetPrinterW(printer.get(), 2, queue.bytes(), 0))
+            Log("SetDriverBasicInfo : SetPrinter failed with %d", LastErrorCode());
     }
     WriteVersionStamp(printer.get());
 }
 
 void SetRawDataPrintJob(const WCHAR* printerName, const PRINTER_EVENT_ATTRIBUTES_INFO* pEventInfo)
 {
-    Log("SetRawDataPrintJob : pPrinterName : %ws", printerName);
+    Log("SetRawDataPrintJob : pPrinterName : %S", printerName);
     ScopedPrinter printer;
     const BOOL opened = OpenPrinterByName(printerName, printer);
     if (!opened || pEventInfo == nullptr) {
-        Log("SetRawDataPrintJob : OpenPrinter failed. (%d)", GetLastError());
+        Log("SetRawDataPrintJob : OpenPrinter failed. (%d)", LastErrorCode());
         // An event without its parameter block has always left the handle it opened as it is; the
         // spooler always passes the block, so this only happens to a caller that breaks the contract.
         if (opened) printer.release();
         return;
     }
     // Only the new attributes decide; the old ones are there for the log.
-    Log("SetRawDataPrintJob : pEventInfo->dwOldAttributes : 0x%x", pEventInfo->dwOldAttributes);
-    Log("SetRawDataPrintJob : pEventInfo->dwNewAttributes : 0x%x", pEventInfo->dwNewAttributes);
+    Log("SetRawDataPrintJob : pEventInfo->dwOldAttributes : 0x%lx", pEventInfo->dwOldAttributes);
+    Log("SetRawDataPrintJob : pEventInfo->dwNewAttributes : 0x%lx", pEventInfo->dwNewAttributes);
     if (pEventInfo->dwNewAttributes & PRINTER_ATTRIBUTE_RAW_ONLY) {
         // Also where the write below comes back as an event of its own.
-        Log("SetRawDataPrintJob :  pEventInfo->dwNewAttributes = 0x%x", pEventInfo->dwNewAttributes);
+        Log("SetRawDataPrintJob :  pEventInfo->dwNewAttributes = 0x%lx", pEventInfo->dwNewAttributes);
         return;
     }
-    ScopedLocal block(ReadPrinterInfo2(printer.get()));
-    if (!block.valid()) return;
-    auto* info = static_cast<PRINTER_INFO_2W*>(block.get());
+    PrinterInfo2 queue(printer.get());
+    PRINTER_INFO_2W* info = queue.get();
+    if (info == nullptr) return;
     info->Attributes |= PRINTER_ATTRIBUTE_RAW_ONLY;
     info->pPrintProcessor = const_cast<WCHAR*>(kPosPrintProcessor);
-    if (SetPrinterW(printer.get(), 2, static_cast<BYTE*>(block.get()), 0))
+    if (SetPrinterW(printer.get(), 2, queue.bytes(), 0))
         Log("SetRawDataPrintJob : SetPrinter succeeded.");
     else
-        Log("SetRawDataPrintJob : SetPrinter failed with %d", GetLastError());
+        Log("SetRawDataPrintJob : SetPrinter failed with %d", LastErrorCode());
 }
 
 HRESULT OemPrinterEvent(PWSTR pPrinterName, INT iDriverEvent, DWORD /*dwFlags*/, LPARAM lParam)

@@ -4,6 +4,9 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <memory>
+#include <new>
+
 template <typename Traits>
 class Scoped {
 public:
@@ -59,6 +62,36 @@ using ScopedPrinter = Scoped<PrinterTraits>;
 using ScopedModule = Scoped<ModuleTraits>;
 using ScopedLocal = Scoped<LocalMemTraits>;
 using ScopedGdiObject = Scoped<GdiObjectTraits>;
+
+// ---- Owned buffers ----------------------------------------------------------------------------
+
+// A zero-filled block of bytes that frees itself: the one way the plug-in owns a variable-size
+// buffer (spooler structures, device modes, forms). Null when `size` is 0 or memory is short.
+using OwnedBytes = std::unique_ptr<BYTE[]>;
+inline OwnedBytes AllocateBytes(size_t size)
+{
+    return OwnedBytes(size > 0 ? new (std::nothrow) BYTE[size]() : nullptr);
+}
+
+// The queue's PRINTER_INFO_2, read afresh (size query, allocation, call). get() is null when the
+// read failed; the last error then says why.
+class PrinterInfo2 {
+public:
+    explicit PrinterInfo2(HANDLE hPrinter)
+    {
+        DWORD needed = 0;
+        GetPrinterW(hPrinter, 2, nullptr, 0, &needed);
+        if (needed < sizeof(PRINTER_INFO_2W)) return;
+        block_ = AllocateBytes(needed);
+        ok_ = block_ != nullptr && GetPrinterW(hPrinter, 2, block_.get(), needed, &needed);
+    }
+    PRINTER_INFO_2W* get() const { return ok_ ? reinterpret_cast<PRINTER_INFO_2W*>(block_.get()) : nullptr; }
+    BYTE* bytes() const { return ok_ ? block_.get() : nullptr; }
+
+private:
+    OwnedBytes block_;
+    bool ok_ = false;
+};
 
 // Opens a printer by name with full access (no data type, no device mode), as every
 // procedure that changes a queue does.

@@ -1,9 +1,9 @@
 // The COM face of the plug-in: the class factory and the IPrintOemUI object.
 #pragma once
 
+#include "oemui/module.h"
 #include "oemui/oemcontract.h"
 
-extern HINSTANCE ModuleInstance;     // stored on process attach; pages load their templates from it
 extern LONG ComponentCount;          // read by DllCanUnloadNow, deliberately never changed
 extern LONG ServerLockCount;
 

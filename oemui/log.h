@@ -3,9 +3,13 @@
 
 #include <windows.h>
 
-// printf-style; wide arguments are passed as %S or %ws. Never changes the caller's last error,
-// never reports a failure: a line that cannot be written is dropped.
-void Log(const char* format, ...);
+// printf-style in the Windows manner; wide arguments are passed as %S. The compiler checks every
+// format against its arguments, so formats are literals at the call sites. Never changes the
+// caller's last error, never reports a failure: a line that cannot be written is dropped.
+void Log(const char* format, ...) __attribute__((format(ms_printf, 1, 2)));
+
+// The thread's last error as the "%d" of a log line prints it.
+inline int LastErrorCode() { return static_cast<int>(GetLastError()); }
 
 // Pure pieces of the log, kept apart from the file system so they can be checked on their own.
 namespace logdetail {

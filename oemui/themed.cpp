@@ -1,6 +1,6 @@
 #include "oemui/themed.h"
 
-#include "oemui/intrface.h"
+#include "oemui/module.h"
 
 namespace {
 

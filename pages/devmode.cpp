@@ -11,24 +11,11 @@
 
 namespace {
 
-// A block from the run-time heap that frees itself; null when the size was unusable.
-class HeapBlock {
-public:
-    explicit HeapBlock(LONG size) : p_(size > 0 ? new (std::nothrow) BYTE[size]() : nullptr) {}
-    ~HeapBlock() { delete[] p_; }
-    HeapBlock(const HeapBlock&) = delete;
-    HeapBlock& operator=(const HeapBlock&) = delete;
-    BYTE* get() const { return p_; }
-
-private:
-    BYTE* p_;
-};
-
 // The printer's current default device mode, as the driver answers it.
 class DefaultDevMode {
 public:
     DefaultDevMode(HANDLE hPrinter, WCHAR* printerName)
-        : block_(DocumentPropertiesW(nullptr, hPrinter, printerName, nullptr, nullptr, 0))
+        : block_(AllocateBytes(ByteCount(DocumentPropertiesW(nullptr, hPrinter, printerName, nullptr, nullptr, 0))))
     {
         if (block_.get() != nullptr &&
             DocumentPropertiesW(nullptr, hPrinter, printerName, get(), nullptr, DM_OUT_BUFFER) < 0)
@@ -37,32 +24,9 @@ public:
     DEVMODEW* get() const { return failed_ ? nullptr : reinterpret_cast<DEVMODEW*>(block_.get()); }
 
 private:
-    HeapBlock block_;
+    static size_t ByteCount(LONG size) { return size > 0 ? static_cast<size_t>(size) : 0; }
+    OwnedBytes block_;
     bool failed_ = false;
-};
-
-// The queue's PRINTER_INFO_2, read afresh (size query, allocation, call).
-class PrinterInfo2 {
-public:
-    explicit PrinterInfo2(HANDLE hPrinter) : block_(NeededSize(hPrinter))
-    {
-        DWORD needed = 0;
-        ok_ = block_.get() != nullptr && GetPrinterW(hPrinter, 2, block_.get(), size_, &needed);
-    }
-    // Null when the read failed or there was nothing to read into.
-    PRINTER_INFO_2W* get() const { return ok_ ? reinterpret_cast<PRINTER_INFO_2W*>(block_.get()) : nullptr; }
-
-private:
-    LONG NeededSize(HANDLE hPrinter)
-    {
-        DWORD needed = 0;
-        GetPrinterW(hPrinter, 2, nullptr, 0, &needed);
-        size_ = needed;
-        return static_cast<LONG>(needed);
-    }
-    DWORD size_ = 0;
-    HeapBlock block_;
-    BOOL ok_ = FALSE;
 };
 
 // The log texts of one device-mode member's writer.
@@ -70,11 +34,12 @@ struct WriterTexts {
     const char* start;
     const char* end;
     const char* nullRecord;
-    const char* argument;
-    const char* oldValue;
-    const char* newValue;
-    const char* storeFailed;
-    const char* readFailed;
+    const char* who;          // the writer's name, which starts every other line
+    const char* argument;     // "<who> : <argument> = <n>"
+    const char* oldValue;     // "<who> : <oldValue> = <n>", the member before the write
+    const char* newValue;     // "<who> : <newValue> = <n>", the member after it
+    const char* storeFailed;  // "<who> : <storeFailed> = <error>"
+    const char* readFailed;   // "<who> : <readFailed> = <error>"
 };
 
 // The pattern that copies, orientation, colour and paper source share: fetch the default device
@@ -96,7 +61,7 @@ BOOL WriteDevModeMember(DIALOGINFO* lpdi, int argument, DevModeMember member, sh
     DefaultDevMode devMode(lpdi->hPrinter, lpdi->printerName);
     PrinterInfo2 info(lpdi->hPrinter);
     if (info.get() == nullptr || devMode.get() == nullptr) {
-        Log(t.readFailed, GetLastError());
+        Log("%s : %s = %d", t.who, t.readFailed, LastErrorCode());
         return FALSE;
     }
     DEVMODEW* dm = devMode.get();
@@ -104,13 +69,13 @@ BOOL WriteDevModeMember(DIALOGINFO* lpdi, int argument, DevModeMember member, sh
     info.get()->pDevMode = dm;
     info.get()->pSecurityDescriptor = nullptr;   // the queue's security stays as it is
     member(dm) = value;
-    Log(t.argument, argument);
-    Log(t.oldValue, old);
-    Log(t.newValue, member(dm));
+    Log("%s : %s = %d", t.who, t.argument, argument);
+    Log("%s : %s = %d", t.who, t.oldValue, old);
+    Log("%s : %s = %d", t.who, t.newValue, member(dm));
     if (old == value) return TRUE;
 
     const BOOL stored = SetPrinterInfo2(lpdi->hPrinter, info.get(), lpdi);
-    if (!stored) Log(t.storeFailed, GetLastError());
+    if (!stored) Log("%s : %s = %d", t.who, t.storeFailed, LastErrorCode());
     return stored;
 }
 
@@ -119,19 +84,17 @@ BOOL WriteDevModeMember(DIALOGINFO* lpdi, int argument, DevModeMember member, sh
 BOOL SetCopyCount(DIALOGINFO* lpdi, int nCount)
 {
     static const WriterTexts texts = {
-        "SetCopyCount : START", "SetCopyCount : END", "SetCopyCount : lpdi is NULL",
-        "SetCopyCount : nCount = %d", "SetCopyCount : dmCopies = %d", "SetCopyCount : pDevMode->dmCopies = %d",
-        "SetCopyCount : SetPrinterInfo2 failed = %d", "SetCopyCount : GetPrinter failed with = %d" };
+        "SetCopyCount : START", "SetCopyCount : END", "SetCopyCount : lpdi is NULL", "SetCopyCount",
+        "nCount", "dmCopies", "pDevMode->dmCopies", "SetPrinterInfo2 failed", "GetPrinter failed with" };
     return WriteDevModeMember(lpdi, nCount, CopiesOf, static_cast<short>(nCount & 0xFF), texts);
 }
 
 BOOL SetOrientation(DIALOGINFO* lpdi, int nOrientation)
 {
     static const WriterTexts texts = {
-        "SetOrientation : START", "SetOrientation : END", "SetOrientation : lpdi is NULL",
-        "SetOrientation : nOrientation = %d", "SetOrientation : dmOrientation = %d",
-        "SetOrientation : pDevMode->dmOrientation = %d", "SetOrientation : SetPrinterInfo2 failed = %d",
-        "SetOrientation : GetPrinter failed with = %d" };
+        "SetOrientation : START", "SetOrientation : END", "SetOrientation : lpdi is NULL", "SetOrientation",
+        "nOrientation", "dmOrientation", "pDevMode->dmOrientation", "SetPrinterInfo2 failed",
+        "GetPrinter failed with" };
     const short value = nOrientation == 1 ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
     return WriteDevModeMember(lpdi, nOrientation, OrientationOf, value, texts);
 }
@@ -139,9 +102,8 @@ BOOL SetOrientation(DIALOGINFO* lpdi, int nOrientation)
 BOOL SetColorType(DIALOGINFO* lpdi, int nType)
 {
     static const WriterTexts texts = {
-        "SetColorType : START", "SetColorType : END", "SetColorType : lpdi is NULL",
-        "SetColorType : nType = %d", "SetColorType : dmColor = %d", "SetColorType : pDevMode->dmColor = %d",
-        "SetColorType : SetPrinterInfo2 failed = %d", "SetColorType : GetPrinter failed with = %d" };
+        "SetColorType : START", "SetColorType : END", "SetColorType : lpdi is NULL", "SetColorType",
+        "nType", "dmColor", "pDevMode->dmColor", "SetPrinterInfo2 failed", "GetPrinter failed with" };
     const short value = nType == 2 ? DMCOLOR_COLOR : DMCOLOR_MONOCHROME;
     return WriteDevModeMember(lpdi, nType, ColorOf, value, texts);
 }
@@ -149,10 +111,9 @@ BOOL SetColorType(DIALOGINFO* lpdi, int nType)
 BOOL SetPaperType(DIALOGINFO* lpdi, int nType)
 {
     static const WriterTexts texts = {
-        "SetPaperType : START", "SetPaperType : END", "SetPaperType : lpdi is NULL",
-        "SetPaperType : nType = %d", "SetPaperType : dwDefaultSource = %d",
-        "SetPaperType : pDevMode->dmDefaultSource = %d", "SetPaperType : SetPrinterInfo2 failed with = %d",
-        "SetPaperType : GetPrinter failed with = %d" };
+        "SetPaperType : START", "SetPaperType : END", "SetPaperType : lpdi is NULL", "SetPaperType",
+        "nType", "dwDefaultSource", "pDevMode->dmDefaultSource", "SetPrinterInfo2 failed with",
+        "GetPrinter failed with" };
     const short value = nType == 0 ? kReceiptBin : nType == 1 ? kTicketBin : DMBIN_FORMSOURCE;
     return WriteDevModeMember(lpdi, nType, DefaultSourceOf, value, texts);
 }
@@ -191,7 +152,7 @@ BOOL SetPaperSize(HWND hDlg, int index)
     DEVMODEW* dm = devMode.get();
     PrinterInfo2 info(lpdi->hPrinter);
     if (info.get() == nullptr || dm == nullptr) {
-        Log("SetPaperSize : GetPrinter failed with (%d)", GetLastError());
+        Log("SetPaperSize : GetPrinter failed with (%d)", LastErrorCode());
         return FALSE;
     }
     CopyCut(dm->dmFormName, form->pName);
@@ -209,19 +170,19 @@ BOOL SetPaperSize(HWND hDlg, int index)
     dm->dmPaperLength = static_cast<short>(form->Size.cy / 100);
     DocumentPropertiesW(nullptr, lpdi->hPrinter, lpdi->printerName, dm, dm, DM_IN_BUFFER | DM_OUT_BUFFER);
     const BOOL stored = SetPrinterInfo2(lpdi->hPrinter, info.get(), lpdi);
-    if (!stored) Log("SetPaperSize : SetPrinterInfo2 failed = %d", GetLastError());
+    if (!stored) Log("SetPaperSize : SetPrinterInfo2 failed = %d", LastErrorCode());
     return stored;
 }
 
 BOOL SetPrinterInfo2(HANDLE hPrinter, PRINTER_INFO_2W* pInfo, const DIALOGINFO* lpdi)
 {
     if (SetPrinterW(hPrinter, 2, reinterpret_cast<BYTE*>(pInfo), 0)) return TRUE;
-    Log("SetPrinterInfo2 : SetPrinter failed-1 with (%d)", GetLastError());
+    Log("SetPrinterInfo2 : SetPrinter failed-1 with (%d)", LastErrorCode());
     if (lpdi == nullptr) return FALSE;
 
     ScopedPrinter byName;
     if (!OpenPrinterByName(lpdi->printerName, byName)) {
-        Log("SetPrinterInfo2 : OpenPrinter failed-2 with (%d)", GetLastError());
+        Log("SetPrinterInfo2 : OpenPrinter failed-2 with (%d)", LastErrorCode());
         return FALSE;
     }
     // The second attempt goes through the caller's handle again: the handle opened by name only
@@ -230,6 +191,6 @@ BOOL SetPrinterInfo2(HANDLE hPrinter, PRINTER_INFO_2W* pInfo, const DIALOGINFO* 
     if (second)
         Log("SetPrinterInfo2 : SetPrinter succeeded");
     else
-        Log("SetPrinterInfo2 : SetPrinter failed-2 with (%d)", GetLastError());
+        Log("SetPrinterInfo2 : SetPrinter failed-2 with (%d)", LastErrorCode());
     return second;
 }

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "oemui/handles.h"
-#include "oemui/intrface.h"
+#include "oemui/module.h"
 #include "oemui/log.h"
 #include "oemui/themed.h"
 #include "pages/devmode.h"

@@ -184,14 +184,6 @@ bool CorrectEditRange(HWND hDlg, int id, int low, int high)
     return true;
 }
 
-bool ModelIn(const WCHAR* model, std::initializer_list<const WCHAR*> list)
-{
-    if (model == nullptr) return false;
-    for (const WCHAR* entry : list)
-        if (wcscmp(model, entry) == 0) return true;
-    return false;
-}
-
 }  // namespace page
 
 void GetEditByteValue(HWND hDlg, int id, BYTE* value)

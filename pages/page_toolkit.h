@@ -11,6 +11,7 @@
 #include <initializer_list>
 
 #include "settings/dialog_info.h"
+#include "settings/printer_data.h"
 
 namespace page {
 
@@ -161,15 +162,8 @@ bool CorrectEditRange(HWND hDlg, int id, int low, int high);
 
 // ---- Models --------------------------------------------------------------------------------
 
-// Exact, case-sensitive equality of `model` with one of `list`.
-bool ModelIn(const WCHAR* model, std::initializer_list<const WCHAR*> list);
-template <size_t N>
-bool ModelIn(const WCHAR* model, const WCHAR* const (&list)[N])
-{
-    for (const WCHAR* entry : list)
-        if (model != nullptr && wcscmp(model, entry) == 0) return true;
-    return false;
-}
+// Exact, case-sensitive equality of `model` with one of a list (settings/printer_data.h).
+using ::ModelIn;
 
 }  // namespace page
 

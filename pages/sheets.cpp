@@ -3,7 +3,7 @@
 #include <prsht.h>
 
 #include "oemui/handles.h"
-#include "oemui/intrface.h"
+#include "oemui/module.h"
 #include "oemui/language.h"
 #include "oemui/log.h"
 #include "pages/pages.h"
@@ -56,13 +56,13 @@ HRESULT Finish(PPROPSHEETUI_INFO info, LONG_PTR result)
 // Loads the preferences from "MISC"; when none are stored (or they cannot be read), seeds them from
 // the configuration file and the user-interface language and stores them at once, so the next
 // opening finds them.
-void LoadPreferences(DIALOGINFO* lpdi, const char* failedLine)
+void LoadPreferences(DIALOGINFO* lpdi, const char* who)
 {
     lpdi->cbPreferences = kPreferenceCount;
     lpdi->preferencesStatus = GetPrinterDataFromReg(lpdi->hPrinter, L"MISC", nullptr, lpdi->byteValue,
                                                     kPreferenceCount, &lpdi->cbPreferences);
     if (lpdi->preferencesStatus == ERROR_SUCCESS) return;
-    Log(failedLine, GetLastError());
+    Log("%s : GetPrinterDataFromReg failed with %d", who, LastErrorCode());
     InitDialogInfo(lpdi);
     lpdi->byteValue[pref::Language] = LanguageIndexFromSystem();
     SetPrinterDataToReg(lpdi->hPrinter, L"MISC", REG_BINARY, lpdi->byteValue, kPreferenceCount, lpdi);
@@ -145,7 +145,7 @@ HRESULT InitDocumentSheet(PPROPSHEETUI_INFO info)
     CurrentUILanguage = GetCurrentUILanguage();
     CopyCut(CurrentPrinterName, param->pPrinterName ? param->pPrinterName : L"");
     TakeSheetParameters(lpdi, param);
-    LoadPreferences(lpdi, "hrOEMDocumentPropertySheets : GetPrinterDataFromReg failed with %d");
+    LoadPreferences(lpdi, "hrOEMDocumentPropertySheets");
     SelectSheetLanguage(lpdi);
     const LONG_PTR result = AddPages(info, lpdi, kDocumentPages);
     Log("hrOEMDocumentPropertySheets : PROPSHEETUI_REASON_INIT END");
@@ -165,7 +165,7 @@ HRESULT InitDeviceSheet(PPROPSHEETUI_INFO info)
 
     CurrentUILanguage = GetCurrentUILanguage();
     TakeSheetParameters(lpdi, param);
-    LoadPreferences(lpdi, "hrOEMDevicePropertySheets : GetPrinterDataFromReg failed with %d");
+    LoadPreferences(lpdi, "hrOEMDevicePropertySheets");
     SelectSheetLanguage(lpdi);
     const LONG_PTR result = AddPages(info, lpdi, kDevicePages);
     Log("hrOEMDevicePropertySheets : PROPSHEETUI_REASON_INIT END");

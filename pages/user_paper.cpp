@@ -82,17 +82,16 @@ public:
         DWORD needed = 0;
         GetFormW(hPrinter, fullName, 1, nullptr, 0, &needed);
         if (needed == 0) return;
-        buffer_ = new (std::nothrow) BYTE[needed]();
-        if (buffer_ != nullptr && GetFormW(hPrinter, fullName, 1, buffer_, needed, &needed))
-            form_ = reinterpret_cast<FORM_INFO_1W*>(buffer_);
+        buffer_ = AllocateBytes(needed);
+        if (buffer_ != nullptr && GetFormW(hPrinter, fullName, 1, buffer_.get(), needed, &needed))
+            form_ = reinterpret_cast<FORM_INFO_1W*>(buffer_.get());
     }
-    ~PrinterForm() { delete[] buffer_; }
     PrinterForm(const PrinterForm&) = delete;
     PrinterForm& operator=(const PrinterForm&) = delete;
     const FORM_INFO_1W* get() const { return form_; }
 
 private:
-    BYTE* buffer_ = nullptr;
+    OwnedBytes buffer_;
     const FORM_INFO_1W* form_ = nullptr;
 };
 
@@ -168,17 +167,15 @@ PrinterForms::PrinterForms(HANDLE hPrinter)
 {
     DWORD needed = 0, returned = 0;
     EnumFormsW(hPrinter, 1, nullptr, 0, &needed, &returned);
-    if (needed > 0) buffer_ = new (std::nothrow) BYTE[needed]();
-    if (buffer_ != nullptr && EnumFormsW(hPrinter, 1, buffer_, needed, &needed, &returned)) {
+    buffer_ = AllocateBytes(needed);
+    if (buffer_ != nullptr && EnumFormsW(hPrinter, 1, buffer_.get(), needed, &needed, &returned)) {
         ok_ = TRUE;
-        forms_ = reinterpret_cast<const FORM_INFO_1W*>(buffer_);
+        forms_ = reinterpret_cast<const FORM_INFO_1W*>(buffer_.get());
         count_ = returned;
     } else {
-        Log("EnumForms failed. (%d)", GetLastError());
+        Log("EnumForms failed. (%d)", LastErrorCode());
     }
 }
-
-PrinterForms::~PrinterForms() { delete[] buffer_; }
 
 const FORM_INFO_1W* PrinterForms::Find(const WCHAR* name) const
 {
@@ -303,7 +300,7 @@ int Utility_SelChangeFormList(HWND hDlg, DIALOGINFO* lpdi)
     AppendCut(fullName, lpdi->formId);
     PrinterForm form(lpdi->hPrinter, fullName);
     if (form.get() == nullptr) {
-        Log("GetForm returned FALSE, (%d)", GetLastError());
+        Log("GetForm returned FALSE, (%d)", LastErrorCode());
         return 0;
     }
     WCHAR display[kFormNameChars];
@@ -331,12 +328,12 @@ void Utility_DeleteForm(HWND hDlg, DIALOGINFO* lpdi)
     AppendCut(fullName, lpdi->formId);
     PrinterForm form(lpdi->hPrinter, fullName);
     if (form.get() == nullptr) {
-        Log("GetForm returned FALSE, (%d)", GetLastError());
+        Log("GetForm returned FALSE, (%d)", LastErrorCode());
         return;
     }
     // No confirmation; and only the user's own forms, never a built-in or printer form.
     if (form.get()->Flags != FORM_USER) return;
-    if (!DeleteFormW(lpdi->hPrinter, fullName)) Log("DeleteForm returned FALSE, (%d)", GetLastError());
+    if (!DeleteFormW(lpdi->hPrinter, fullName)) Log("DeleteForm returned FALSE, (%d)", LastErrorCode());
     Utility_UpdateFormList(hDlg, lpdi);
 }
 
@@ -370,7 +367,7 @@ void Utility_SaveForm(HWND hDlg, DIALOGINFO* lpdi)
 
     bool updated = false;
     if (!AddFormW(lpdi->hPrinter, 1, reinterpret_cast<BYTE*>(&form))) {
-        Log("AddForm returned FALSE, (%d)", GetLastError());
+        Log("AddForm returned FALSE, (%d)", LastErrorCode());
         if (Utility_EnumPrinterForms(lpdi, fullName)) {
             WCHAR text[256], caption[256];
             HiddenText(hDlg, IDT_HIDDEN_PAPER_UPDATE, text);
@@ -378,12 +375,12 @@ void Utility_SaveForm(HWND hDlg, DIALOGINFO* lpdi)
             if (MessageBoxW(hDlg, text, caption, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
             updated = true;
             if (!SetFormW(lpdi->hPrinter, fullName, 1, reinterpret_cast<BYTE*>(&form))) {
-                Log("SetForm returned FALSE, (%d)", GetLastError());
+                Log("SetForm returned FALSE, (%d)", LastErrorCode());
                 // Some spoolers refuse to change a form in place: replace it instead.
                 if (!DeleteFormW(lpdi->hPrinter, fullName))
-                    Log("DeleteForm returned FALSE, (%d)", GetLastError());
+                    Log("DeleteForm returned FALSE, (%d)", LastErrorCode());
                 else if (!AddFormW(lpdi->hPrinter, 1, reinterpret_cast<BYTE*>(&form)))
-                    Log("AddForm returned FALSE, (%d)", GetLastError());
+                    Log("AddForm returned FALSE, (%d)", LastErrorCode());
             }
         }
     }

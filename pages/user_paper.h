@@ -7,6 +7,7 @@
 
 #include <windows.h>
 
+#include "oemui/handles.h"
 #include "settings/dialog_info.h"
 
 // Longest full form name the pages build (display name + identifier, terminator included).
@@ -44,7 +45,7 @@ void ThousandthsToMillimetres(LONG thousandths, WCHAR (&text)[32]);
 class PrinterForms {
 public:
     explicit PrinterForms(HANDLE hPrinter);
-    ~PrinterForms();
+    ~PrinterForms() = default;
     PrinterForms(const PrinterForms&) = delete;
     PrinterForms& operator=(const PrinterForms&) = delete;
 
@@ -55,7 +56,7 @@ public:
     const FORM_INFO_1W* Find(const WCHAR* name) const;
 
 private:
-    BYTE* buffer_ = nullptr;
+    OwnedBytes buffer_;
     const FORM_INFO_1W* forms_ = nullptr;
     DWORD count_ = 0;
     BOOL ok_ = FALSE;

@@ -109,20 +109,19 @@ void InitDialogInfo(DIALOGINFO* lpdi)
             lpdi->byteValue[n] = configdetail::PreferenceByte(value);
             Log("InitDialogInfo : lpdi->byteValue[%d] = %d", n, lpdi->byteValue[n]);
         } else {
-            Log("InitDialogInfo : PREFERENCE[%d], GetPrivateProfileString failed with %d", n, GetLastError());
+            Log("InitDialogInfo : PREFERENCE[%d], GetPrivateProfileString failed with %d", n, LastErrorCode());
         }
     }
 }
 
 BOOL SetBasicSettingPreferenceReg(const WCHAR* printerName)
 {
-    Log("SetBasicSettingPreferenceReg : START");
+    ScopedLog log("SetBasicSettingPreferenceReg : START", "SetBasicSettingPreferenceReg : END");
     WCHAR path[255];
     BuildConfigPath(path);
     Log("SetBasicSettingPreferenceReg : Config Path = %S", path);
     if (!ConfigFileExists(path)) {
-        Log("SetBasicSettingPreferenceReg : _wfopen failed with %d", GetLastError());
-        Log("SetBasicSettingPreferenceReg : END");
+        Log("SetBasicSettingPreferenceReg : _wfopen failed with %d", LastErrorCode());
         return FALSE;
     }
 
@@ -137,7 +136,7 @@ BOOL SetBasicSettingPreferenceReg(const WCHAR* printerName)
             Log("SetBasicSettingPreferenceReg : byteValue[%d] = %d", n, misc[n]);
         } else {
             Log("SetBasicSettingPreferenceReg : PREFERENCE[%d], GetPrivateProfileString failed with %d", n,
-                GetLastError());
+                LastErrorCode());
         }
     }
     // The language always follows the system, whatever the file says.
@@ -145,20 +144,18 @@ BOOL SetBasicSettingPreferenceReg(const WCHAR* printerName)
 
     ScopedPrinter printer;
     if (!OpenPrinterByName(printerName, printer)) {
-        Log("SetBasicSettingPreferenceReg : OpenPrinter failed with %d", GetLastError());
-        Log("SetBasicSettingPreferenceReg : END");
+        Log("SetBasicSettingPreferenceReg : OpenPrinter failed with %d", LastErrorCode());
         return FALSE;
     }
 
     WCHAR model[printerdata::kTextChars];
-    printerdata::ReadModelName(printer.get(), model, "GetModelName : before wszModelName = %S");
+    printerdata::ReadModelName(printer.get(), model, "GetModelName");
     Log("SetBasicSettingPreferenceReg : Model Name = %S", model);
     // Exact, case-sensitive comparisons of the model word.
-    if (wcscmp(model, L"QM-132") == 0 || wcscmp(model, L"QM-133") == 0 || wcscmp(model, L"QM-120") == 0 ||
-        wcscmp(model, L"QM-121") == 0) {
+    if (ModelIn(model, { L"QM-132", L"QM-133", L"QM-120", L"QM-121" })) {
         Log("SetBasicSettingPreferenceReg : BT Two-Chip");
         misc[pref::BluetoothTwoChip] = 1;
-    } else if (wcscmp(model, L"QM-143") == 0) {
+    } else if (ModelIn(model, { L"QM-143" })) {
         // This model's beep bytes hold its alarm settings; the line keeps the name it has always had.
         Log("InitDialogInfo : QM-143 Special");
         misc[pref::BeepBefore] = 0x00;
@@ -181,7 +178,7 @@ BOOL SetBasicSettingPreferenceReg(const WCHAR* printerName)
     for (const auto& command : commands) {
         WCHAR text[257];
         if (ReadConfigString(command.key, text, path) == 0) {
-            Log("SetBasicSettingPreferenceReg : GetPrivateProfileString failed with %d (%s)", GetLastError(),
+            Log("SetBasicSettingPreferenceReg : GetPrivateProfileString failed with %d (%s)", LastErrorCode(),
                 command.keyName);
             continue;
         }
@@ -192,9 +189,6 @@ BOOL SetBasicSettingPreferenceReg(const WCHAR* printerName)
         CommandTextToBytes(ansi, bytes, sizeof ansi, 0, &count);   // cut at 256 bytes; the count says how far
         SetPrinterDataToReg(printer.get(), command.value, REG_BINARY, bytes, count, nullptr);
     }
-
-    printer.reset();
-    Log("SetBasicSettingPreferenceReg : END");
     return TRUE;
 }
 
@@ -204,24 +198,19 @@ void SetBarcodePreferenceReg(const WCHAR* printerName)
     WCHAR path[255];
     BuildConfigPath(path);
     if (!ConfigFileExists(path)) {
-        Log("SetBarcodePreferenceReg : _wfopen failed with %d", GetLastError());
+        Log("SetBarcodePreferenceReg : _wfopen failed with %d", LastErrorCode());
         return;
     }
 
     static const struct {
         const WCHAR* keyFormat;
-        const char* countLine;
-        const char* failedLine;
+        const char* name;       // the key's name in the log
         DWORD entries;
         DWORD entryBytes;
         DWORD minChars;    // shorter texts cannot describe a whole entry
     } tables[2] = {
-        { L"1D_BARCODE[%d]", "SetBarcodePreferenceReg : 1D_BARCODE[%d], The number of characters = %d",
-          "SetBarcodePreferenceReg : 1D_BARCODE[%d], GetPrivateProfileString failed with %d", kBarcodeInfoEntries,
-          kBarcodeInfoEntry, 12 },
-        { L"2D_BARCODE[%d]", "SetBarcodePreferenceReg : 2D_BARCODE[%d], The number of characters = %d",
-          "SetBarcodePreferenceReg : 2D_BARCODE[%d], GetPrivateProfileString failed with %d", kCodeDataEntries,
-          kCodeDataEntry, 42 },
+        { L"1D_BARCODE[%d]", "1D_BARCODE", kBarcodeInfoEntries, kBarcodeInfoEntry, 12 },
+        { L"2D_BARCODE[%d]", "2D_BARCODE", kCodeDataEntries, kCodeDataEntry, 42 },
     };
     BYTE barcodeInfo[kBarcodeInfoBytes];
     BYTE codeData[kCodeDataBytes];
@@ -237,8 +226,10 @@ void SetBarcodePreferenceReg(const WCHAR* printerName)
             const DWORD chars = ReadConfigString(key, text, path);
             BYTE* entry = targets[t] + (n - 1) * tables[t].entryBytes;
             if (chars < tables[t].minChars) {
-                Log(tables[t].countLine, static_cast<int>(n), static_cast<int>(chars));
-                Log(tables[t].failedLine, static_cast<int>(n), GetLastError());
+                Log("SetBarcodePreferenceReg : %s[%d], The number of characters = %d", tables[t].name,
+                    static_cast<int>(n), static_cast<int>(chars));
+                Log("SetBarcodePreferenceReg : %s[%d], GetPrivateProfileString failed with %d", tables[t].name,
+                    static_cast<int>(n), LastErrorCode());
                 continue;   // the default entry stays
             }
             char ansi[256];
@@ -252,7 +243,7 @@ void SetBarcodePreferenceReg(const WCHAR* printerName)
 
     ScopedPrinter printer;
     if (!OpenPrinterByName(printerName, printer)) {
-        Log("SetBarcodePreferenceReg : OpenPrinter failed with %d", GetLastError());
+        Log("SetBarcodePreferenceReg : OpenPrinter failed with %d", LastErrorCode());
         return;
     }
     SetPrinterDataToReg(printer.get(), L"BarcodeInfo", REG_BINARY, barcodeInfo, sizeof barcodeInfo, nullptr);

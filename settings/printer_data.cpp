@@ -56,8 +56,8 @@ struct LookupTexts {
     const char* nullRecord;
     const char* end;
     const char* readFailed;
-    const char* before;
-    const char* after;
+    const char* who;        // the procedure's name and the variable the text lands in, for the
+    const char* variable;   // "<who> : before <variable> = ..." and "... after ..." lines
 };
 
 BOOL LookupThroughRecord(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length, const WCHAR* key,
@@ -82,12 +82,12 @@ BOOL LookupThroughRecord(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length, c
         Log("%s", t.readFailed);
         return FALSE;
     }
-    Log(t.before, text);
+    Log("%s : before %s = %S", t.who, t.variable, text);
     WCHAR result[printerdata::kTextChars];
     rule(text, result);
     StringCchCopyW(buffer, printerdata::kTextChars, result);
     if (length != nullptr) *length = static_cast<DWORD>(lstrlenW(buffer));
-    Log(t.after, buffer);
+    Log("%s : after %s = %S", t.who, t.variable, buffer);
     Log("%s", t.end);
     return TRUE;
 }
@@ -97,17 +97,8 @@ BOOL LookupThroughRecord(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length, c
 void BuildPropertiesKey(HANDLE hPrinter)
 {
     ZeroMemory(PropertiesKeyPath, sizeof PropertiesKeyPath);
-    bool client = false;
-    DWORD needed = 0;
-    GetPrinterW(hPrinter, 2, nullptr, 0, &needed);
-    if (needed >= sizeof(PRINTER_INFO_2W)) {
-        BYTE* info = static_cast<BYTE*>(malloc(needed));
-        if (info != nullptr) {
-            if (GetPrinterW(hPrinter, 2, info, needed, &needed))
-                client = reinterpret_cast<PRINTER_INFO_2W*>(info)->pServerName != nullptr;
-            free(info);
-        }
-    }
+    const PrinterInfo2 info(hPrinter);
+    const bool client = info.get() != nullptr && info.get()->pServerName != nullptr;
     CopyCut(PropertiesKeyPath, kBaseKey);
     // No separator: the client side uses the sibling key "PropertiesClient", not a sub-key.
     if (client) AppendCut(PropertiesKeyPath, L"Client");
@@ -121,7 +112,7 @@ DWORD GetPrinterDataFromReg(HANDLE hPrinter, LPCWSTR pValueName, LPDWORD pType, 
     const DWORD status = GetPrinterDataExW(hPrinter, PropertiesKeyPath, pValueName, pType, pData, nSize,
                                            pcbNeeded != nullptr ? pcbNeeded : &needed);
     if (status != ERROR_SUCCESS)
-        Log("GetPrinterDataFromReg : GetPrinterDataEx failed with %d (%ws)", status, pValueName);
+        Log("GetPrinterDataFromReg : GetPrinterDataEx failed with %d (%S)", static_cast<int>(status), pValueName);
     return status;
 }
 
@@ -132,21 +123,21 @@ DWORD SetPrinterDataToReg(HANDLE hPrinter, LPCWSTR pValueName, DWORD type, const
     const DWORD first = SetPrinterDataExW(hPrinter, PropertiesKeyPath, pValueName, type,
                                           const_cast<BYTE*>(pData), cbData);
     if (first == ERROR_SUCCESS) return ERROR_SUCCESS;
-    Log("SetPrinterDataToReg : SetPrinterDataEx failed-1 with (%d)", GetLastError());
+    Log("SetPrinterDataToReg : SetPrinterDataEx failed-1 with (%d)", LastErrorCode());
     if (lpdi == nullptr) return first;
 
     // A sheet's handle may carry read access only; reopened by name with full access, an
     // administrator's change still reaches the registry.
     ScopedPrinter again;
     if (!OpenPrinterByName(lpdi->printerName, again)) {
-        Log("SetPrinterDataToReg : OpenPrinter failed-2 with (%d)", GetLastError());
+        Log("SetPrinterDataToReg : OpenPrinter failed-2 with (%d)", LastErrorCode());
         return first;
     }
     // Same key as the first attempt, only through the new handle.
     const DWORD second = SetPrinterDataExW(again.get(), PropertiesKeyPath, pValueName, type,
                                            const_cast<BYTE*>(pData), cbData);
     if (second != ERROR_SUCCESS)
-        Log("SetPrinterDataToReg : SetPrinterDataEx failed-2 with (%d)", GetLastError());
+        Log("SetPrinterDataToReg : SetPrinterDataEx failed-2 with (%d)", LastErrorCode());
     else
         Log("SetPrinterDataToReg : SetPrinterDataEx succeeded");
     return second;
@@ -162,12 +153,19 @@ BOOL OpenPrinterByName(const WCHAR* printerName, ScopedPrinter& printer)
     return OpenPrinterFullAccess(printerName, printer);
 }
 
+bool ModelIn(const WCHAR* model, std::initializer_list<const WCHAR*> list)
+{
+    if (model == nullptr) return false;
+    for (const WCHAR* entry : list)
+        if (wcscmp(model, entry) == 0) return true;
+    return false;
+}
+
 BOOL GetModelName(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length)
 {
     static const LookupTexts texts = {
         "GetModelName : START", "GetModelName : LPDI is null.", "GetModelName : END",
-        "GetModelName : GetPrinterDataEx failed.", "GetModelName : before wszModelName = %S",
-        "GetModelName : after wszModelName = %S" };
+        "GetModelName : GetPrinterDataEx failed.", "GetModelName", "wszModelName" };
     return LookupThroughRecord(lpdi, buffer, length, L"PrinterDriverData", L"Model",
                                printerdata::ModelFromModelText, texts);
 }
@@ -176,7 +174,7 @@ BOOL GetFormID(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length)
 {
     static const LookupTexts texts = {
         "GetFormID : START", "GetFormID : LPDI is null.", "GetFormID : END", "GetFormID : GetPrinterDataEx failed.",
-        "GetFormID : before wszFormId = %S", "GetFormID : after wszFormId = %S" };
+        "GetFormID", "wszFormId" };
     return LookupThroughRecord(lpdi, buffer, length, L"DsDriver", L"printMediaReady", printerdata::FormIdFromMedia,
                                texts);
 }
@@ -186,7 +184,7 @@ BOOL GetFormDefaultWidthHeight(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* len
     static const LookupTexts texts = {
         "GetFormDefaultWidthHeight : START", "GetFormDefaultWidthHeight : LPDI is null.",
         "GetFormDefaultWidthHeight : END", "GetFormDefaultWidthHeight : GetPrinterDataEx failed.",
-        "GetFormDefaultWidthHeight : before wszForm = %S", "GetFormDefaultWidthHeight : after wszForm = %S" };
+        "GetFormDefaultWidthHeight", "wszForm" };
     return LookupThroughRecord(lpdi, buffer, length, L"DsDriver", L"printMediaReady",
                                printerdata::DefaultFormFromMedia, texts);
 }
@@ -215,25 +213,25 @@ void DefaultFormFromMedia(const WCHAR* text, WCHAR (&out)[kTextChars])
 namespace {
 // One driver-published text, logged as read and then cut by `rule`; `out` is empty when unreadable.
 bool ReadDriverValue(HANDLE hPrinter, const WCHAR* key, const WCHAR* value, TextRule rule,
-                     WCHAR (&out)[kTextChars], const char* beforeLine)
+                     WCHAR (&out)[kTextChars], const char* who, const char* variable)
 {
     WCHAR text[kTextChars + 1];
     out[0] = L'\0';
     if (ReadDriverText(hPrinter, key, value, text) != ERROR_SUCCESS) return false;
-    Log(beforeLine, text);
+    Log("%s : before %s = %S", who, variable, text);
     rule(text, out);
     return true;
 }
 }  // namespace
 
-bool ReadModelName(HANDLE hPrinter, WCHAR (&modelName)[kTextChars], const char* beforeLine)
+bool ReadModelName(HANDLE hPrinter, WCHAR (&modelName)[kTextChars], const char* who)
 {
-    return ReadDriverValue(hPrinter, L"PrinterDriverData", L"Model", ModelFromModelText, modelName, beforeLine);
+    return ReadDriverValue(hPrinter, L"PrinterDriverData", L"Model", ModelFromModelText, modelName, who, "wszModelName");
 }
 
-bool ReadFormId(HANDLE hPrinter, WCHAR (&formId)[kTextChars], const char* beforeLine)
+bool ReadFormId(HANDLE hPrinter, WCHAR (&formId)[kTextChars], const char* who)
 {
-    return ReadDriverValue(hPrinter, L"DsDriver", L"printMediaReady", FormIdFromMedia, formId, beforeLine);
+    return ReadDriverValue(hPrinter, L"DsDriver", L"printMediaReady", FormIdFromMedia, formId, who, "wszFormId");
 }
 
 }  // namespace printerdata

@@ -5,6 +5,9 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <cwchar>
+#include <initializer_list>
+
 #include "oemui/handles.h"
 #include "settings/dialog_info.h"
 
@@ -32,6 +35,16 @@ BOOL GetFormID(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length);
 // "Roll 80 x 297 mm[R80]" gives "Roll 80 x 297 mm".
 BOOL GetFormDefaultWidthHeight(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length);
 
+// Whether the model word `model` is one of `list`: exact, case-sensitive equality. No model never is.
+bool ModelIn(const WCHAR* model, std::initializer_list<const WCHAR*> list);
+template <size_t N>
+bool ModelIn(const WCHAR* model, const WCHAR* const (&list)[N])
+{
+    for (const WCHAR* entry : list)
+        if (model != nullptr && wcscmp(model, entry) == 0) return true;
+    return false;
+}
+
 // A user form of the given size (thousandths of a millimetre) whose imageable area is all of it.
 inline FORM_INFO_1W UserForm(WCHAR* name, LONG width, LONG length)
 {
@@ -50,11 +63,12 @@ inline FORM_INFO_1W UserForm(WCHAR* name, LONG width, LONG length)
 BOOL OpenPrinterByName(const WCHAR* printerName, ScopedPrinter& printer);
 
 // The same lookups through a printer handle, for callers without a record (event handling).
-// Each logs "<who> : before <what> = %S" once the value was read; false when it could not be.
+// Each logs "<who> : before wszModelName = ..." (or wszFormId) once the value was read; false when
+// it could not be.
 namespace printerdata {
 constexpr size_t kTextChars = 260;                 // 520 bytes: the most that is read
-bool ReadModelName(HANDLE hPrinter, WCHAR (&modelName)[kTextChars], const char* beforeLine);
-bool ReadFormId(HANDLE hPrinter, WCHAR (&formId)[kTextChars], const char* beforeLine);
+bool ReadModelName(HANDLE hPrinter, WCHAR (&modelName)[kTextChars], const char* who);
+bool ReadFormId(HANDLE hPrinter, WCHAR (&formId)[kTextChars], const char* who);
 
 // The pure text rules (standard tokenizer semantics: leading separators skipped, runs count as one).
 void ModelFromModelText(const WCHAR* text, WCHAR (&out)[kTextChars]);     // second blank-separated word

@@ -3,6 +3,7 @@
 # import nothing but system DLLs (no libstdc++-6, libgcc_s or libwinpthread-1 beside it).
 set -euo pipefail
 dll=$1
+expected_version=$2
 dump=$(x86_64-w64-mingw32-objdump -p "$dll")
 exports=$(printf '%s\n' "$dump" | sed -n '/\[Ordinal\/Name Pointer\] Table/,/^$/p' | grep -E '^\s+\[' | awk '{print $NF}' | sort | tr '\n' ' ')
 if [ "$exports" != "DllCanUnloadNow DllGetClassObject " ]; then
@@ -18,5 +19,5 @@ for dll_name in $imports; do
   esac
 done
 version=$(strings -el "$dll" | grep -A1 -x 'FileVersion' | tail -1)
-[ "$version" = "5.2.1.0" ] || { echo "FileVersion is '$version'"; exit 1; }
+[ "$version" = "$expected_version" ] || { echo "FileVersion is '$version'"; exit 1; }
 echo "2 exports, system imports only, version $version"
