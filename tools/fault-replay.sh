@@ -20,7 +20,7 @@ mkdir -p "$tree"
 echo "fault-replay: building the scratch tree"
 cmake -S "$tree" -B "$tree/build" -DCMAKE_TOOLCHAIN_FILE="$tree/cmake/mingw-w64-x86_64.cmake" \
       -DCMAKE_BUILD_TYPE=Release >/dev/null
-cmake --build "$tree/build" -j "$(nproc)" >/dev/null
+cmake --build "$tree/build" -j "$(nproc)" >"$work/build.log" 2>&1 || { cat "$work/build.log"; exit 1; }
 "$top/tools/new-prefix.sh" "$work/prefix"
 export QVR_WINEPREFIX_TEMPLATE="$work/prefix"
 
