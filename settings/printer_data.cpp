@@ -161,7 +161,7 @@ bool ModelIn(const WCHAR* model, std::initializer_list<const WCHAR*> list)
     return false;
 }
 
-BOOL GetModelName(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length)
+BOOL GetModelName(const DIALOGINFO* lpdi, DriverText& buffer, DWORD* length)
 {
     static const LookupTexts texts = {
         "GetModelName : START", "GetModelName : LPDI is null.", "GetModelName : END",
@@ -170,7 +170,7 @@ BOOL GetModelName(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length)
                                printerdata::ModelFromModelText, texts);
 }
 
-BOOL GetFormID(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length)
+BOOL GetFormID(const DIALOGINFO* lpdi, DriverText& buffer, DWORD* length)
 {
     static const LookupTexts texts = {
         "GetFormID : START", "GetFormID : LPDI is null.", "GetFormID : END", "GetFormID : GetPrinterDataEx failed.",
@@ -179,7 +179,7 @@ BOOL GetFormID(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length)
                                texts);
 }
 
-BOOL GetFormDefaultWidthHeight(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length)
+BOOL GetFormDefaultWidthHeight(const DIALOGINFO* lpdi, DriverText& buffer, DWORD* length)
 {
     static const LookupTexts texts = {
         "GetFormDefaultWidthHeight : START", "GetFormDefaultWidthHeight : LPDI is null.",

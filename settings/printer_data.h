@@ -26,14 +26,16 @@ DWORD GetPrinterDataFromReg(HANDLE hPrinter, LPCWSTR pValueName, LPDWORD pType, 
 DWORD SetPrinterDataToReg(HANDLE hPrinter, LPCWSTR pValueName, DWORD type, const BYTE* pData, DWORD cbData,
                           const DIALOGINFO* lpdi);
 
-// The driver-published texts, read through the record's printer handle. `buffer` must have room
-// for 260 wide characters; `*length` receives the result's length in characters (0 on failure).
+// The driver-published texts, read through the record's printer handle into a buffer of 260 wide
+// characters (the compiler refuses any other); `*length` receives the result's length in
+// characters (0 on failure).
+using DriverText = WCHAR[260];
 // "ORLIVEX QM-101" gives "QM-101".
-BOOL GetModelName(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length);
+BOOL GetModelName(const DIALOGINFO* lpdi, DriverText& buffer, DWORD* length);
 // "Roll 80 x 297 mm[R80]" gives "[R80]".
-BOOL GetFormID(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length);
+BOOL GetFormID(const DIALOGINFO* lpdi, DriverText& buffer, DWORD* length);
 // "Roll 80 x 297 mm[R80]" gives "Roll 80 x 297 mm".
-BOOL GetFormDefaultWidthHeight(const DIALOGINFO* lpdi, WCHAR* buffer, DWORD* length);
+BOOL GetFormDefaultWidthHeight(const DIALOGINFO* lpdi, DriverText& buffer, DWORD* length);
 
 // Whether the model word `model` is one of `list`: exact, case-sensitive equality. No model never is.
 bool ModelIn(const WCHAR* model, std::initializer_list<const WCHAR*> list);

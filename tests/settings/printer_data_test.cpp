@@ -193,7 +193,7 @@ struct Lookup {
     DWORD length;
 };
 
-using LookupFn = BOOL (*)(const DIALOGINFO*, WCHAR*, DWORD*);
+using LookupFn = BOOL (*)(const DIALOGINFO*, DriverText&, DWORD*);
 
 Lookup CallLookup(LookupFn fn, const DIALOGINFO* record)
 {
